@@ -1,0 +1,67 @@
+#pragma once
+// Shared pieces of the koqdde command-line tool.
+
+#include "host/HostData.h"
+#include "model/CPath.h"
+#include "platform/CString.h"
+#include "presenter/CQdDeConfigPresenter.h"
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+enum ExitStatus { kExitTrue = 0, kExitFalse = 1, kExitUsage = 2, kExitError = 3 };
+
+// Bad input on the command line: reported with exit status 2, nothing changed.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct GlobalOptions {
+    CString dataDir;
+    CString projectFile;
+    CString configDir;
+    CString file; // empty: the current configuration
+    bool json = false;
+    bool dryRun = false;
+    bool help = false;
+};
+
+class Spec;
+class SMember;
+
+// One run of the tool: the options, the loaded host data and, made on first use, the
+// presenter of the configuration file.
+class CliContext {
+public:
+    explicit CliContext(GlobalOptions options) : m_options(std::move(options)) {}
+    const GlobalOptions& Options() const { return m_options; }
+    CQdDeConfigPresenter& Presenter();
+    bool HasPresenter() const { return m_presenter != nullptr; }
+    // The tree held by the presenter's store.
+    const Spec& Tree();
+    // Resolves "专业\大类\小类" or "大类\小类" in the current specialty; UsageError otherwise.
+    CPath ResolveCategory(const CString& text, const SMember** found = nullptr);
+
+private:
+    GlobalOptions m_options;
+    std::unique_ptr<CQdDeConfigPresenter> m_presenter;
+};
+
+struct CommandSpec {
+    std::string name;
+    std::string usage;   // arguments after the name
+    std::string summary; // one line
+    std::string help;    // details and examples
+    std::function<int(CliContext&, const std::vector<std::string>&)> run;
+};
+
+// Every command of the tool, in the order the help lists them.
+const std::vector<CommandSpec>& AllCommands();
+
+// Writes a line of text or the JSON document to standard output.
+void PrintLine(const std::string& text);
+CString Arg(const std::string& utf8);

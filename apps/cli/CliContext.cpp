@@ -1,0 +1,74 @@
+#include "Cli.h"
+
+#include "model/Spec.h"
+#include "store/CXmlQdDeConfig.h"
+
+#include <cstdio>
+
+CQdDeConfigPresenter& CliContext::Presenter() {
+    if (!m_presenter)
+        m_presenter = std::make_unique<CQdDeConfigPresenter>(m_options.file);
+    return *m_presenter;
+}
+
+const Spec& CliContext::Tree() {
+    auto* store = dynamic_cast<CXmlQdDeConfig*>(Presenter().GetData());
+    if (!store)
+        throw std::runtime_error("the configuration store is not an XML store");
+    return store->GetSpec();
+}
+
+namespace {
+std::vector<CString> SplitCategory(const CString& text) {
+    wchar_t separator = text.Find(L'\\') >= 0 ? L'\\' : L'/';
+    std::vector<CString> parts;
+    int start = 0;
+    for (int pos = text.Find(separator); pos >= 0; pos = text.Find(separator, start)) {
+        parts.push_back(text.Mid(start, pos - start));
+        start = pos + 1;
+    }
+    parts.push_back(text.Mid(start));
+    return parts;
+}
+} // namespace
+
+CPath CliContext::ResolveCategory(const CString& text, const SMember** found) {
+    const Spec& spec = Tree();
+    std::vector<CString> parts = SplitCategory(text);
+    if (parts.size() == 3) {
+        if (parts[0] != spec.GetSpecName())
+            throw UsageError("category \"" + ToUtf8(text) +
+                             "\" is not in the current specialty \"" + ToUtf8(spec.GetSpecName()) +
+                             "\"");
+        parts.erase(parts.begin());
+    }
+    if (parts.size() != 2)
+        throw UsageError("category \"" + ToUtf8(text) +
+                         "\" must be written SPECIALTY\\LARGE\\SMALL or LARGE\\SMALL");
+    for (LMember* large : spec.GetAllLMember()) {
+        if (large->GetName() != parts[0])
+            continue;
+        for (SMember* small : large->GetAllSMember()) {
+            if (small->GetName() != parts[1])
+                continue;
+            CPath path;
+            path.SpecId = spec.GetId();
+            path.LMemberId = large->GetId();
+            path.SMemberId = small->GetId();
+            if (found)
+                *found = small;
+            return path;
+        }
+    }
+    throw UsageError("unknown category \"" + ToUtf8(text) + "\" in specialty \"" +
+                     ToUtf8(spec.GetSpecName()) + "\"");
+}
+
+void PrintLine(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fputc('\n', stdout);
+}
+
+CString Arg(const std::string& utf8) {
+    return FromUtf8(utf8);
+}

@@ -1,0 +1,227 @@
+// tree, show, current: reading the configuration without changing it.
+#include "Cli.h"
+#include "Json.h"
+
+#include "model/Spec.h"
+#include "presenter/CQdDeConfigPresenter.h"
+
+namespace {
+
+std::string Text(const CString& s) {
+    return ToUtf8(s);
+}
+
+Json ConfigSummary(const ConfigNode& config) {
+    return Json::MakeObject()
+        .Set("id", config.GetId())
+        .Set("default", config.IfDefault())
+        .Set("text", config.GetConditionString())
+        .Set("lastConditionId", config.GetLastConditionId())
+        .Set("lastQdId", config.GetLastQdId())
+        .Set("lastDeId", config.GetLastDeId());
+}
+
+Json ConditionJson(const ConditionNode& c) {
+    return Json::MakeObject()
+        .Set("id", c.GetId())
+        .Set("strCFType", c.GetCFType())
+        .Set("bEqual", c.IsEqual())
+        .Set("strEqualoperator", c.GetEqualOperator())
+        .Set("strRangeoperator1", c.GetRangeOperator1())
+        .Set("strRangeoperator2", c.GetRangeOperator2())
+        .Set("strValue", c.GetValue())
+        .Set("strRange1", c.GetRange1())
+        .Set("strRange2", c.GetRange2())
+        .Set("text", c.GetConditionString());
+}
+
+Json DeJson(const DeNode& de) {
+    const DeStruct& d = de.m_de;
+    return Json::MakeObject()
+        .Set("id", de.GetId())
+        .Set("strName", d.strName)
+        .Set("strUnit", d.strUnit)
+        .Set("strUnitCode", d.strUnitCode)
+        .Set("strDeId", d.strDeId)
+        .Set("strDeCode", d.strDeCode)
+        .Set("strFormula", d.strFormula)
+        .Set("strAnnex", d.strAnnex);
+}
+
+Json QdJson(const QdNode& qd) {
+    const QdStruct& q = qd.m_qd;
+    Json quotas = Json::MakeArray();
+    for (DeNode* de : qd.GetDe())
+        quotas.Push(DeJson(*de));
+    return Json::MakeObject()
+        .Set("id", qd.GetId())
+        .Set("strQdId", q.strQdId)
+        .Set("strQdIdUser", q.strQdIdUser)
+        .Set("strName", q.strName)
+        .Set("strUnit", q.strUnit)
+        .Set("strUnitCode", q.strUnitCode)
+        .Set("strtypeid", q.strtypeid)
+        .Set("strQdCode", q.strQdCode)
+        .Set("strFormula", q.strFormula)
+        .Set("strAnnex", q.strAnnex)
+        .Set("lastDeId", qd.GetLastDeId())
+        .Set("de", std::move(quotas));
+}
+
+Json ConfigDetail(const ConfigNode& config) {
+    Json conditions = Json::MakeArray();
+    for (ConditionNode* c : config.GetCondition())
+        conditions.Push(ConditionJson(*c));
+    Json bills = Json::MakeArray();
+    for (QdNode* qd : config.GetQd())
+        bills.Push(QdJson(*qd));
+    Json quotas = Json::MakeArray();
+    for (DeNode* de : config.GetDe())
+        quotas.Push(DeJson(*de));
+    return ConfigSummary(config)
+        .Set("conditions", std::move(conditions))
+        .Set("qd", std::move(bills))
+        .Set("de", std::move(quotas));
+}
+
+std::string DeLine(const DeNode& de) {
+    const DeStruct& d = de.m_de;
+    return "de " + std::to_string(de.GetId()) + ": " + Text(d.strDeId) + " " + Text(d.strName) +
+           " [" + Text(d.strUnit) + ", x" + Text(d.strUnitCode) + "] code=" + Text(d.strDeCode) +
+           " formula=" + Text(d.strFormula) + " annex=" + Text(d.strAnnex);
+}
+
+int Tree(CliContext& ctx, const std::vector<std::string>& args) {
+    if (!args.empty())
+        throw UsageError("tree takes no arguments");
+    const Spec& spec = ctx.Tree();
+    CString file = ctx.Presenter().GetData()->GetFilePath();
+    if (ctx.Options().json) {
+        Json larges = Json::MakeArray();
+        for (LMember* large : spec.GetAllLMember()) {
+            Json smalls = Json::MakeArray();
+            for (SMember* small : large->GetAllSMember()) {
+                Json configs = Json::MakeArray();
+                for (ConfigNode* config : small->GetAllConfig())
+                    configs.Push(ConfigSummary(*config));
+                smalls.Push(Json::MakeObject()
+                                .Set("id", small->GetId())
+                                .Set("name", small->GetName())
+                                .Set("lastConfigId", small->GetLastConfigId())
+                                .Set("configs", std::move(configs)));
+            }
+            larges.Push(Json::MakeObject()
+                            .Set("id", large->GetId())
+                            .Set("name", large->GetName())
+                            .Set("small", std::move(smalls)));
+        }
+        Json doc = Json::MakeObject()
+                       .Set("file", file)
+                       .Set("spec", Json::MakeObject()
+                                        .Set("id", spec.GetId())
+                                        .Set("name", spec.GetSpecName())
+                                        .Set("large", std::move(larges)));
+        PrintLine(doc.Dump());
+        return kExitTrue;
+    }
+    PrintLine("file: " + Text(file));
+    PrintLine(Text(spec.GetSpecName()) + " (" + std::to_string(spec.GetId()) + ")");
+    for (LMember* large : spec.GetAllLMember()) {
+        PrintLine("  " + Text(large->GetName()) + " (" + std::to_string(large->GetId()) + ")");
+        for (SMember* small : large->GetAllSMember()) {
+            PrintLine("    " + Text(small->GetName()) + " (" + std::to_string(small->GetId()) +
+                      "), last config id " + std::to_string(small->GetLastConfigId()));
+            for (ConfigNode* config : small->GetAllConfig())
+                PrintLine("      config " + std::to_string(config->GetId()) +
+                          (config->IfDefault() ? " (default)" : "") + ": " +
+                          Text(config->GetConditionString()));
+        }
+    }
+    return kExitTrue;
+}
+
+int Show(CliContext& ctx, const std::vector<std::string>& args) {
+    if (args.size() != 1)
+        throw UsageError("show takes one CATEGORY");
+    const SMember* small = nullptr;
+    CPath path = ctx.ResolveCategory(Arg(args[0]), &small);
+    std::vector<ConfigNode*> configs;
+    ctx.Presenter().GetConfig(path, configs);
+    if (ctx.Options().json) {
+        Json list = Json::MakeArray();
+        for (ConfigNode* config : configs)
+            list.Push(ConfigDetail(*config));
+        PrintLine(Json::MakeObject()
+                      .Set("category", Arg(args[0]))
+                      .Set("spec", path.SpecId)
+                      .Set("large", path.LMemberId)
+                      .Set("small", path.SMemberId)
+                      .Set("name", small->GetName())
+                      .Set("lastConfigId", small->GetLastConfigId())
+                      .Set("configs", std::move(list))
+                      .Dump());
+        return kExitTrue;
+    }
+    PrintLine(args[0] + " (" + std::to_string(path.SpecId) + "/" + std::to_string(path.LMemberId) +
+              "/" + std::to_string(path.SMemberId) + "), " + std::to_string(configs.size()) +
+              " configuration(s)");
+    for (ConfigNode* config : configs) {
+        PrintLine("config " + std::to_string(config->GetId()) +
+                  (config->IfDefault() ? " (default)" : "") + ": " +
+                  Text(config->GetConditionString()));
+        for (ConditionNode* c : config->GetCondition())
+            PrintLine(
+                "  condition " + std::to_string(c->GetId()) + ": " + Text(c->GetConditionString()) +
+                "  [type=" + Text(c->GetCFType()) + " equal=" + (c->IsEqual() ? "1" : "0") +
+                " op=" + Text(c->GetEqualOperator()) + " value=" + Text(c->GetValue()) +
+                " op1=" + Text(c->GetRangeOperator1()) + " range1=" + Text(c->GetRange1()) +
+                " op2=" + Text(c->GetRangeOperator2()) + " range2=" + Text(c->GetRange2()) + "]");
+        for (QdNode* qd : config->GetQd()) {
+            const QdStruct& q = qd->m_qd;
+            PrintLine("  qd " + std::to_string(qd->GetId()) + ": " + Text(q.strQdId) + " " +
+                      Text(q.strName) + " [" + Text(q.strUnit) + ", x" + Text(q.strUnitCode) +
+                      "] code=" + Text(q.strQdCode) + " formula=" + Text(q.strFormula) +
+                      " annex=" + Text(q.strAnnex) + " user=" + Text(q.strQdIdUser) +
+                      " type=" + Text(q.strtypeid));
+            for (DeNode* de : qd->GetDe())
+                PrintLine("    " + DeLine(*de));
+        }
+        for (DeNode* de : config->GetDe())
+            PrintLine("  " + DeLine(*de));
+    }
+    return kExitTrue;
+}
+
+int Current(CliContext& ctx, const std::vector<std::string>& args) {
+    if (!args.empty())
+        throw UsageError("current takes no arguments");
+    CQdDeConfigPresenter& presenter = ctx.Presenter();
+    CString name = presenter.GetCurConfig();
+    CString path = presenter.GetCurConfigDetailPath();
+    if (ctx.Options().json)
+        PrintLine(Json::MakeObject().Set("name", name).Set("path", path).Dump());
+    else
+        PrintLine(Text(name) + "\n" + Text(path));
+    return kExitTrue;
+}
+
+} // namespace
+
+std::vector<CommandSpec> QueryCommands() {
+    return {
+        {"tree", "", "the current specialty's categories and configurations",
+         "Lists the categories of the project's current specialty with the configurations of\n"
+         "each small category, as the configuration file holds them.\n\n"
+         "Example:\n  koqdde tree\n  koqdde --json --file /tmp/a.xml tree",
+         Tree},
+        {"show", "CATEGORY", "one small category's configurations in full",
+         "CATEGORY is \"专业\\大类\\小类\" or \"大类\\小类\" in the current specialty ('/' may\n"
+         "stand for '\\' when the names hold none).\n\n"
+         "Example:\n  koqdde show '给排水\\管道\\给水管'",
+         Show},
+        {"current", "", "the current configuration's name and path",
+         "Prints the name recorded for the project (DefaultConfig when none) and the file it\n"
+         "means in the configuration folder.",
+         Current},
+    };
+}

@@ -1,0 +1,167 @@
+// koqdde: every query and edit of an auto-apply configuration from the shell.
+#include "Cli.h"
+
+#include "host/datapack/DataPack.h"
+#include "platform/ComError.h"
+#include "platform/MessageBox.h"
+
+#include <clocale>
+#include <cstdio>
+#include <exception>
+#include <map>
+
+std::vector<CommandSpec> QueryCommands();
+std::vector<CommandSpec> FileCommands();
+
+const std::vector<CommandSpec>& AllCommands() {
+    static const std::vector<CommandSpec> all = [] {
+        std::vector<CommandSpec> list;
+        for (auto group : {QueryCommands, FileCommands})
+            for (auto& command : group())
+                list.push_back(std::move(command));
+        return list;
+    }();
+    return all;
+}
+
+namespace {
+
+// The module's message boxes go to standard error; questions are answered "no" since nobody
+// is there to answer them.
+class ConsoleMessages : public IMessageBoxHandler {
+public:
+    int Show(void*, const CString& text, const CString& caption, unsigned flags) override {
+        std::fprintf(stderr, "%s: %s\n", ToUtf8(caption).c_str(), ToUtf8(text).c_str());
+        return (flags & 0xF) == MB_YESNO ? IDNO : IDOK;
+    }
+};
+
+const char* const kGlobalHelp =
+    "usage: koqdde [GLOBAL OPTIONS] COMMAND [ARGS]\n"
+    "\n"
+    "Queries and edits the auto-apply configuration of bill and quota items.\n"
+    "\n"
+    "Global options:\n"
+    "  --data DIR        data pack to play the host on (default: the per-user copy of the\n"
+    "                    bundled pack)\n"
+    "  --project FILE    project file (default: the pack's project)\n"
+    "  --config-dir DIR  the application's configuration folder (created and seeded from the\n"
+    "                    pack when missing)\n"
+    "  --file FILE       configuration file to work on (default: the current configuration)\n"
+    "  --json            machine-readable output\n"
+    "  --help            this text; COMMAND --help for a command's own\n"
+    "\n"
+    "Exit status: 0 the operation answered true, 1 it answered false, 2 usage error,\n"
+    "3 unexpected failure.\n"
+    "\n"
+    "Commands:\n";
+
+void PrintGlobalHelp() {
+    std::string text = kGlobalHelp;
+    for (const auto& command : AllCommands()) {
+        std::string head = "  " + command.name + (command.usage.empty() ? "" : " " + command.usage);
+        if (head.size() < 28)
+            head.resize(28, ' ');
+        else
+            head += "\n" + std::string(28, ' ');
+        text += head + command.summary + "\n";
+    }
+    std::fputs(text.c_str(), stdout);
+}
+
+void PrintCommandHelp(const CommandSpec& command) {
+    std::string text = "usage: koqdde [GLOBAL OPTIONS] " + command.name +
+                       (command.usage.empty() ? "" : " " + command.usage) + "\n\n" +
+                       command.summary + ".\n\n" + command.help + "\n";
+    std::fputs(text.c_str(), stdout);
+}
+
+// Takes the global options out of the arguments, wherever they stand.
+GlobalOptions ParseGlobals(std::vector<std::string>& args) {
+    GlobalOptions options;
+    std::map<std::string, CString*> valued = {{"--data", &options.dataDir},
+                                              {"--project", &options.projectFile},
+                                              {"--config-dir", &options.configDir},
+                                              {"--file", &options.file}};
+    std::vector<std::string> rest;
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
+        if (a == "--") {
+            rest.insert(rest.end(), args.begin() + static_cast<long>(i), args.end());
+            break;
+        }
+        auto eq = a.find('=');
+        std::string key = a.rfind("--", 0) == 0 && eq != std::string::npos ? a.substr(0, eq) : a;
+        if (auto it = valued.find(key); it != valued.end()) {
+            if (eq != std::string::npos) {
+                *it->second = FromUtf8(a.substr(eq + 1));
+            } else {
+                if (i + 1 >= args.size())
+                    throw UsageError(a + " needs a value");
+                *it->second = FromUtf8(args[++i]);
+            }
+        } else if (a == "--json") {
+            options.json = true;
+        } else if (a == "--dry-run") {
+            options.dryRun = true;
+        } else if (a == "--help" || a == "-h") {
+            options.help = true;
+        } else {
+            rest.push_back(a);
+        }
+    }
+    args = rest;
+    return options;
+}
+
+int Run(std::vector<std::string> args) {
+    GlobalOptions options = ParseGlobals(args);
+    if (args.empty()) {
+        PrintGlobalHelp();
+        return options.help ? kExitTrue : kExitUsage;
+    }
+    std::string name = args.front();
+    args.erase(args.begin());
+    const CommandSpec* command = nullptr;
+    for (const auto& c : AllCommands())
+        if (c.name == name)
+            command = &c;
+    if (!command)
+        throw UsageError("unknown command \"" + name + "\" (koqdde --help lists them)");
+    if (options.help) {
+        PrintCommandHelp(*command);
+        return kExitTrue;
+    }
+
+    HostData host;
+    CString error;
+    if (!LoadDataPack({options.dataDir, options.projectFile, options.configDir}, host, error))
+        throw UsageError("cannot load the data pack: " + ToUtf8(error));
+    HostDataScope hostScope(&host);
+    CliContext ctx(options);
+    return command->run(ctx, args);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::setlocale(LC_ALL, "C.UTF-8");
+    ConsoleMessages messages;
+    MessageBoxHandlerScope messageScope(&messages);
+    std::vector<std::string> args(argv + 1, argv + argc);
+    try {
+        return Run(std::move(args));
+    } catch (const UsageError& e) {
+        std::fprintf(stderr, "koqdde: %s\n", e.what());
+        return kExitUsage;
+    } catch (const ComError& e) {
+        std::fprintf(stderr, "koqdde: failed: %s\n", e.what());
+        return kExitError;
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "koqdde: unexpected error: %s\n", e.what());
+        return kExitError;
+    } catch (...) {
+        std::fprintf(stderr, "koqdde: unexpected error\n");
+        return kExitError;
+    }
+}

@@ -1,0 +1,86 @@
+#pragma once
+// Stand-in for the host's project library: the open project, its category catalog, the
+// attributes of each small category, its bill and quota libraries, and the version stamp of
+// configuration files. Everything is answered from the installed HostData.
+
+#include "platform/CString.h"
+
+#include <vector>
+
+struct SQvKoSpecId {
+    CString specId;
+};
+
+struct SQvKoBigCategoryId {
+    CString specId;
+    CString bigCategoryId;
+};
+
+struct SQvKoSmallCategoryId {
+    CString specId;
+    CString bigCategoryId;
+    CString smallCategoryId;
+};
+
+struct SQdDeInfo {
+    enum EQdDeMode { eQdMode = 0, eDeMode = 1 };
+};
+
+// Name to id. A path text joins names with one backslash: "给排水", "给排水\管道",
+// "给排水\管道\给水管". False (and the record left alone) for an unknown name.
+bool SpecNameToId(const CString& specName, SQvKoSpecId& id);
+bool BigCategoryNameToId(const CString& path, SQvKoBigCategoryId& id);
+bool SmallCategoryNameToId(const CString& path, SQvKoSmallCategoryId& id);
+
+class CProj {
+public:
+    CString GetPrjPath() const;
+    CString GetCurrentSpec() const;
+    int GetCurrentSpecId() const;
+};
+
+class CAtt {
+public:
+    bool GetAllBigCategoryIdsBySpec(const SQvKoSpecId& spec,
+                                    std::vector<SQvKoBigCategoryId>& ids) const;
+    bool GetBigCategoryName(const SQvKoBigCategoryId& id, CString& name) const;
+    bool GetAllSmallCategoryIdsByBigCategory(const SQvKoBigCategoryId& large,
+                                             std::vector<SQvKoSmallCategoryId>& ids) const;
+    bool GetSmallCategoryName(const SQvKoSmallCategoryId& id, CString& name) const;
+
+    SQdDeInfo::EQdDeMode GetQdDeMode() const;
+    // The bill library.
+    CString GetQdFileName() const;
+    CString GetQdCode() const;
+    CString GetQdLocal() const;
+    // The quota library that goes with the bill library (bill mode).
+    CString GetQdDeFileName() const;
+    CString GetQdDeCode() const;
+    CString GetQdDeYear() const;
+    CString GetQdDeLocal() const;
+    // The quota library of the quota mode.
+    CString GetDeFileName() const;
+    CString GetDeCode() const;
+    CString GetDeYear() const;
+    CString GetDeLocal() const;
+
+    // The drop-down list of an attribute by its key; false when there is none.
+    bool GetDropList(const CString& key, CStringArray& items) const;
+};
+
+class CSysSmallCategoryMng {
+public:
+    explicit CSysSmallCategoryMng(const SQvKoSmallCategoryId& id) : m_id(id) {}
+    // Four strings per attribute: field, display name, drop-list key, attribute code.
+    bool GetAttributeList(CStringArray& list) const;
+    int GetAttType() const;
+
+private:
+    SQvKoSmallCategoryId m_id;
+};
+
+namespace QvKoXmlVertion {
+// Stamps the root of a saved configuration file with the application's version. The file
+// stays loadable; an empty version or an unreadable file leaves it as it is.
+bool SetXmlVersion(const CString& version, const CString& file);
+} // namespace QvKoXmlVertion

@@ -1,0 +1,73 @@
+#pragma once
+// The programming interface of the auto-apply configuration: dialogs and host modules call it,
+// and it forwards to the store of the open file.
+
+#include "model/CPath.h"
+#include "model/ConfigNode.h"
+#include "model/QdDeStructs.h"
+#include "platform/CString.h"
+#include "store/IQdDeConfigData.h"
+
+#include <map>
+#include <set>
+#include <vector>
+
+class CQdDeConfigPresenter {
+public:
+    // An empty file means the current configuration of the project: the name recorded in the
+    // project's "SysRegedit.ini" (or "DefaultConfig") in the configuration folder.
+    explicit CQdDeConfigPresenter(const CString& file = CString());
+    ~CQdDeConfigPresenter();
+    CQdDeConfigPresenter(const CQdDeConfigPresenter&) = delete;
+    CQdDeConfigPresenter& operator=(const CQdDeConfigPresenter&) = delete;
+
+    // The current configuration's name, read from the ini record each time.
+    CString GetCurConfig();
+    // The full path that the current name means, making the configuration folder if needed.
+    CString GetCurConfigDetailPath();
+
+    bool ReLoad(const CString& file);
+    bool NewFile(const CString& file);
+    bool Save();
+    bool SaveAs(const CString& file);
+    bool GetConfig(const CPath& path, std::vector<ConfigNode*>& configs);
+    ConfigNode* GetConfig(const CPath& path);
+
+    bool GetExistQdIndex(const CPath& path, std::vector<CString>& numbers);
+    bool AddConfig(const CPath& path, int& newId);
+    bool MoveUpConfig(const CPath& path);
+    bool MoveDownConfig(const CPath& path);
+    bool AddConfigByCopy(const CPath& path, int& newId);
+    bool DelConfig(const CPath& path);
+    // The eight strings of a condition: type, equal flag (non-zero = value form), equal
+    // operator, range operators 1 and 2, value, ranges 1 and 2. Fewer than eight: false.
+    bool AddCondition(const CPath& path, const CStringArray& condition);
+    bool ResetCondition(const CPath& path, const CStringArray& condition);
+    bool DelCondition(const CPath& path, std::vector<ConfigNode*>& configs);
+    bool AddQd(const QdStruct& qd, const CPath& path, std::vector<ConfigNode*>& configs);
+    bool AddDe2QdNode(const DeStruct& de, const CPath& path, std::vector<ConfigNode*>& configs);
+    bool AddDe2ConfigNode(const DeStruct& de, const CPath& path, std::vector<ConfigNode*>& configs);
+    bool DelQd(const CPath& path, const std::set<int>& ids);
+    // Bill id to the ids of its quotas to delete; bills that don't exist are skipped.
+    bool DelDeInQdNode(const CPath& path, const std::map<int, std::set<int>>& ids);
+    bool DelDeInConfigNode(const CPath& path, const std::set<int>& ids);
+    bool ResetQd(const CPath& path, const QdStruct& qd);
+    bool ResetDeToConfig(const CPath& path, const DeStruct& de);
+    bool ResetDeToQd(const CPath& path, const DeStruct& de);
+
+    // The store, for tools that list the whole tree.
+    IQdDeConfigData* GetData() const { return m_pData; }
+
+private:
+    void SetCurConfig(const CString& name);
+    CString ConfigFolder();
+    CString IniPath();
+    // Records the bare name of `file` (no folder, no extension) as the current configuration.
+    void RecordCurrent(const CString& file);
+
+    IQdDeConfigData* m_pData = nullptr;
+};
+
+// Makes `file` the current configuration. False, with "文件功能不匹配" in `error`, when the file
+// can't be loaded; `error` is left alone otherwise.
+bool RefreshAutoConfig(CString& error, const CString& file);

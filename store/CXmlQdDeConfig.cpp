@@ -1,0 +1,297 @@
+#include "store/CXmlQdDeConfig.h"
+
+#include "host/QvKoProject/QvKoProject.h"
+#include "host/QvKoSettings/QvKoSettings.h"
+#include "platform/ComError.h"
+#include "platform/FileSystem.h"
+#include "platform/MessageBox.h"
+#include "xml/XmlVisitor.h"
+
+namespace {
+
+const wchar_t* const
+    kMissingFileText = L"\u6587\u4EF6\u4E0D\u5B58\u5728\uFF0C\u8BF7\u91CD\u65B0\u9009\u62E9\u8C03"
+                       L"\u7528\u6587\u4EF6"; // 文件不存在，请重新选择调用文件
+const wchar_t* const
+    kSaveAsFailedText = L"\u6587\u4EF6\u53E6\u5B58\u4E3A\u51FA\u9519,"
+                        L"\u8BF7\u7A0D\u5019\u5728\u8BD5"; // 文件另存为出错,请稍候在试
+
+CString VersionText() {
+    return QvKoSettings::GetAppProfile().GetVersion().ToString();
+}
+
+XmlDocPtr NewDocument() {
+    XmlDocPtr doc = XmlVisitor::CreateXmlDocPtr();
+    CheckPointer(doc.get());
+    return doc;
+}
+
+XmlNode AddSpecNode(XmlNode root, const CString& specName) {
+    XmlElement element = XmlVisitor::addChild(root, specName);
+    SQvKoSpecId id;
+    SpecNameToId(specName, id);
+    XmlVisitor::addatt(element, L"id", id.specId);
+    XmlVisitor::addatt(element, L"name", specName);
+    return element;
+}
+
+} // namespace
+
+XmlNode GetOrCreateRoot(const XmlDocPtr& doc, const CString& rootName) {
+    XmlNode found = XmlVisitor::selectSingleNode(CheckPointer(doc.get()).Doc(), rootName);
+    if (found)
+        return found;
+    // A document takes one document element only: one with another name can't get ours.
+    if (doc->DocumentElement())
+        return XmlNode();
+    CString version = VersionText();
+    if (version.IsEmpty())
+        version = L"1.0.0";
+    XmlElement root = XmlVisitor::addChild(doc->Doc(), rootName);
+    XmlVisitor::addatt(root, L"Version", version);
+    return root;
+}
+
+XmlNode FindOrCreateSpecNode(XmlNode root, const CString& specName) {
+    for (XmlNode child = XmlVisitor::firstChild(root); child;
+         child = XmlVisitor::nextSibling(child)) {
+        if (XmlVisitor::getNodeAttribute(child, L"name") == specName)
+            return child;
+    }
+    return AddSpecNode(root, specName);
+}
+
+XmlNode RebuildSpecNode(XmlNode root, const CString& specName) {
+    for (XmlNode child = XmlVisitor::firstChild(root); child;
+         child = XmlVisitor::nextSibling(child)) {
+        if (XmlVisitor::getNodeAttribute(child, L"name") == specName) {
+            root.remove_child(child);
+            break;
+        }
+    }
+    return AddSpecNode(root, specName);
+}
+
+CXmlQdDeConfig::CXmlQdDeConfig(const CString& file, const CString& specName)
+    : m_strFile(file), m_strSpec(specName) {
+    m_spec.SetSpecName(specName);
+    XmlDocPtr doc = NewDocument();
+    bool loaded = doc->Load(file);
+    XmlNode root = GetOrCreateRoot(doc, kConfigRootName);
+    if (!root)
+        return;
+    XmlNode specNode = FindOrCreateSpecNode(root, specName);
+    if (!specNode)
+        return;
+    m_spec.ReadData(specNode);
+    // A missing file comes into being as reading left the DOM; an unreadable one is kept.
+    if (!loaded && !PathExists(file) && !doc->Save(file))
+        throw ComError(E_FAIL, "cannot write " + ToUtf8(file));
+}
+
+bool CXmlQdDeConfig::Save() {
+    XmlDocPtr doc = XmlVisitor::CreateXmlDocPtr();
+    if (!doc)
+        return false;
+    // A missing or corrupt file reads as empty: the save then holds the current specialty only.
+    doc->Load(m_strFile);
+    XmlNode root = GetOrCreateRoot(doc, kConfigRootName);
+    if (!root)
+        return false;
+    XmlNode specNode = RebuildSpecNode(root, m_strSpec);
+    if (!specNode)
+        return false;
+    m_spec.WriteData(specNode);
+    if (!doc->Save(m_strFile))
+        throw ComError(E_FAIL, "cannot write " + ToUtf8(m_strFile));
+    QvKoXmlVertion::SetXmlVersion(VersionText(), m_strFile);
+    return true;
+}
+
+bool CXmlQdDeConfig::SaveAs(const CString& target) {
+    if (target.Compare(m_strFile) != 0 && !CopyFileOverwrite(m_strFile, target)) {
+        ShowWarning(CString(kSaveAsFailedText) + kRefusalMark);
+        return false;
+    }
+    // The store stays on its own file: the tree as it stands is now also in the target.
+    CString own = m_strFile;
+    m_strFile = target;
+    bool saved = false;
+    try {
+        saved = Save();
+    } catch (...) {
+        m_strFile = own;
+        throw;
+    }
+    m_strFile = own;
+    return saved;
+}
+
+bool CXmlQdDeConfig::ReLoad(const CString& file) {
+    if (file.CompareNoCase(m_strFile) != 0)
+        Save();
+    if (!PathExists(file)) {
+        ShowWarning(CString(kMissingFileText) + kRefusalMark);
+        return false;
+    }
+    XmlDocPtr doc = NewDocument();
+    if (!doc->Load(file))
+        return false;
+    XmlNode root = GetOrCreateRoot(doc, kConfigRootName);
+    if (!root)
+        return false;
+    XmlNode specNode = FindOrCreateSpecNode(root, m_strSpec);
+    if (!specNode)
+        return false;
+    m_spec.DeleteAllLMember();
+    m_spec.ReadData(specNode);
+    m_strFile = file;
+    return true;
+}
+
+bool CXmlQdDeConfig::NewFile(const CString& file) {
+    CopyFileOverwrite(JoinPath(QvKoSettings::GetAppProfile().GetConfigPath(), L"QdDeConfig.def"),
+                      file);
+    return ReLoad(file);
+}
+
+SMember* CXmlQdDeConfig::FindSMember(const CPath& path) const {
+    if (path.SpecId != m_spec.GetId())
+        return nullptr;
+    LMember* large = m_spec.GetLMember(path.LMemberId);
+    return large ? large->GetSMember(path.SMemberId) : nullptr;
+}
+
+ConfigNode* CXmlQdDeConfig::GetConfig(const CPath& path) {
+    SMember* small = FindSMember(path);
+    return small ? small->GetConfig(path.ConfigId) : nullptr;
+}
+
+bool CXmlQdDeConfig::GetConfig(const CPath& path, std::vector<ConfigNode*>& configs) {
+    SMember* small = FindSMember(path);
+    if (!small)
+        return false;
+    configs = small->GetAllConfig();
+    return true;
+}
+
+QdNode* CXmlQdDeConfig::FindQd(const CPath& path) {
+    ConfigNode* config = GetConfig(path);
+    return config ? config->GetQd(path.QdId) : nullptr;
+}
+
+std::vector<ConfigNode*> CXmlQdDeConfig::SiblingConfigs(const QdDeConfigNode* node) {
+    auto* small = dynamic_cast<SMember*>(node ? node->GetParent() : nullptr);
+    return small ? small->GetAllConfig() : std::vector<ConfigNode*>();
+}
+
+bool CXmlQdDeConfig::GetExistQdIndex(const CPath& path, std::vector<CString>& numbers) {
+    ConfigNode* config = GetConfig(path);
+    return config && config->GetExistQdIndex(numbers);
+}
+
+bool CXmlQdDeConfig::AddConfig(const CPath& path, int& newId) {
+    SMember* small = FindSMember(path);
+    return small && small->AddConfig(path, newId);
+}
+
+bool CXmlQdDeConfig::MoveUpConfig(const CPath& path) {
+    SMember* small = FindSMember(path);
+    return small && small->MoveUpConfig(path);
+}
+
+bool CXmlQdDeConfig::MoveDownConfig(const CPath& path) {
+    SMember* small = FindSMember(path);
+    return small && small->MoveDownConfig(path);
+}
+
+bool CXmlQdDeConfig::AddConfigByCopy(const CPath& path, int& newId) {
+    SMember* small = FindSMember(path);
+    return small && small->AddConfigByCopy(path.ConfigId, newId);
+}
+
+bool CXmlQdDeConfig::DelConfig(const CPath& path) {
+    SMember* small = FindSMember(path);
+    return small && small->DelConfig(path.ConfigId);
+}
+
+bool CXmlQdDeConfig::AddCondition(const CPath& path, const ConditionNode& condition) {
+    ConfigNode* config = GetConfig(path);
+    return config && config->AddCondition(condition);
+}
+
+bool CXmlQdDeConfig::ResetCondition(const CPath& path, const ConditionNode& condition) {
+    ConfigNode* config = GetConfig(path);
+    return config && config->ResetCondition(path.ConditionId, condition);
+}
+
+bool CXmlQdDeConfig::DelCondition(const CPath& path, std::vector<ConfigNode*>& configs) {
+    ConfigNode* config = GetConfig(path);
+    if (!config)
+        return false;
+    config->DelCondition(path.ConditionId);
+    configs = SiblingConfigs(config);
+    return true;
+}
+
+bool CXmlQdDeConfig::AddQd(const QdStruct& qd, const CPath& path,
+                           std::vector<ConfigNode*>& configs) {
+    ConfigNode* config = GetConfig(path);
+    if (!config)
+        return false;
+    configs = SiblingConfigs(config);
+    return config->AddQd(qd);
+}
+
+bool CXmlQdDeConfig::AddDe2QdNode(const DeStruct& de, const CPath& path,
+                                  std::vector<ConfigNode*>& configs) {
+    QdNode* qd = FindQd(path);
+    if (!qd)
+        return false;
+    configs = SiblingConfigs(qd->GetParent());
+    return qd->AddDe(de);
+}
+
+bool CXmlQdDeConfig::AddDe2ConfigNode(const DeStruct& de, const CPath& path,
+                                      std::vector<ConfigNode*>& configs) {
+    ConfigNode* config = GetConfig(path);
+    if (!config)
+        return false;
+    configs = SiblingConfigs(config);
+    return config->AddDe(de);
+}
+
+bool CXmlQdDeConfig::DelQd(const CPath& path, const std::set<int>& ids) {
+    ConfigNode* config = GetConfig(path);
+    return config && config->DelQd(ids);
+}
+
+bool CXmlQdDeConfig::DelDeInQdNode(const CPath& path, const std::map<int, std::set<int>>& ids) {
+    CPath each = path;
+    for (const auto& [qdId, deIds] : ids) {
+        each.QdId = qdId;
+        if (QdNode* qd = FindQd(each))
+            qd->DelDe(deIds);
+    }
+    return true;
+}
+
+bool CXmlQdDeConfig::DelDeInConfigNode(const CPath& path, const std::set<int>& ids) {
+    ConfigNode* config = GetConfig(path);
+    return config && config->DelDe(ids);
+}
+
+bool CXmlQdDeConfig::ResetQd(const CPath& path, const QdStruct& qd) {
+    ConfigNode* config = GetConfig(path);
+    return config && config->ResetQd(path.QdId, qd);
+}
+
+bool CXmlQdDeConfig::ResetDeToConfig(const CPath& path, const DeStruct& de) {
+    ConfigNode* config = GetConfig(path);
+    return config && config->ResetDe(path.DeId, de);
+}
+
+bool CXmlQdDeConfig::ResetDeToQd(const CPath& path, const DeStruct& de) {
+    QdNode* qd = FindQd(path);
+    return qd && qd->ReSetDe(path.DeId, de);
+}

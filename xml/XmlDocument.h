@@ -1,0 +1,55 @@
+#pragma once
+// An XML document as the module's DOM: pugixml underneath, plus the file encoding it was read
+// in so that a save writes it back the same way. Comments and processing instructions are
+// kept as nodes; whitespace-only text is not.
+
+#include "platform/CString.h"
+#include "platform/TextEncoding.h"
+
+#include <memory>
+#include <pugixml.hpp>
+#include <string>
+
+// Node and element handles. pugixml uses one handle type for both; an element handle that
+// refers to a non-element node behaves as a null element (reads give "", writes raise).
+using XmlNode = pugi::xml_node;
+using XmlElement = pugi::xml_node;
+
+class XmlDocument {
+public:
+    XmlDocument();
+    ~XmlDocument();
+    XmlDocument(const XmlDocument&) = delete;
+    XmlDocument& operator=(const XmlDocument&) = delete;
+
+    // Parses the file. UTF-8 with or without BOM, UTF-16 with BOM, and the legacy encodings
+    // named by the declaration (GB2312, GBK, GB18030) are understood. On failure (missing,
+    // unreadable, not well-formed, no or several document elements) the document is left empty
+    // and the result is false; LastError() says why.
+    bool Load(const CString& path);
+    // Parses UTF-8 text (for tests and in-memory use); same rules as Load.
+    bool LoadString(const std::string& utf8);
+    // Writes the document indented, in the encoding it was read in (UTF-8 for a new document),
+    // replacing the file atomically. A character the encoding can't hold is written as a
+    // character reference. False when the file can't be written.
+    bool Save(const CString& path) const;
+    // The document serialised as UTF-8 (indented, declaration as held).
+    std::string ToUtf8String() const;
+
+    pugi::xml_document& Doc() { return m_doc; }
+    const pugi::xml_document& Doc() const { return m_doc; }
+    // The document element, or a null node.
+    XmlNode DocumentElement() const;
+
+    TextEncoding Encoding() const { return m_encoding; }
+    const std::string& LegacyName() const { return m_legacyName; }
+    const std::string& LastError() const { return m_lastError; }
+
+private:
+    pugi::xml_document m_doc;
+    TextEncoding m_encoding = TextEncoding::Utf8;
+    std::string m_legacyName; // iconv name when m_encoding is Legacy
+    std::string m_lastError;
+};
+
+using XmlDocPtr = std::shared_ptr<XmlDocument>;
