@@ -1,0 +1,147 @@
+#include "model/SMember.h"
+#include "model/XmlFixture.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+std::vector<int> Ids(const SMember& small) {
+    std::vector<int> ids;
+    for (ConfigNode* c : small.GetAllConfig())
+        ids.push_back(c->GetId());
+    return ids;
+}
+CPath ConfigPath(int id) {
+    CPath path;
+    path.ConfigId = id;
+    return path;
+}
+} // namespace
+
+TEST(SMemberRead, MissingOrEmptyListGivesOneDefaultConfiguration) {
+    XmlSnippet xml("<list><SMember name='给水管'/><SMember name='x' LastConfigId='50'>"
+                   "<Config/></SMember></list>");
+    for (XmlNode node : xml.Root().children()) {
+        SMember small;
+        ASSERT_TRUE(small.ReadData(node));
+        ASSERT_EQ(Ids(small), std::vector<int>{1});
+        ConfigNode* config = small.GetConfig(1);
+        EXPECT_TRUE(config->IfDefault());
+        EXPECT_EQ(config->GetParent(), &small);
+        EXPECT_EQ(small.GetLastConfigId(), 1);
+        EXPECT_EQ(config->GetConditionString(), L"其它");
+        // The default was added to the DOM in the lower-case form.
+        XmlNode added = node.child("Config").last_child();
+        EXPECT_STREQ(added.name(), "config");
+        EXPECT_STREQ(added.attribute("bDefault").value(), "1");
+    }
+}
+
+TEST(SMemberRead, LostDefaultIsAddedWithIdOneAndCounterRaised) {
+    XmlSnippet xml("<SMember name='a' LastConfigId='50'><Config>"
+                   "<Config id='1' bDefault='0'/><Config id='2' bDefault='0'/></Config></SMember>");
+    SMember small;
+    small.ReadData(xml.Root());
+    EXPECT_EQ(Ids(small), (std::vector<int>{1, 2, 1}));
+    EXPECT_EQ(small.GetLastConfigId(), 3);
+    EXPECT_FALSE(small.GetConfig(1)->IfDefault()) << "lookups reach the first of the clash";
+    EXPECT_TRUE(small.GetAllConfig().back()->IfDefault());
+}
+
+TEST(SMemberRead, FileCounterIsIgnored) {
+    XmlSnippet xml("<SMember name='a' LastConfigId='50'><Config>"
+                   "<Config id='2' bDefault='0'/><Config id='1' bDefault='1'/></Config></SMember>");
+    SMember small;
+    small.ReadData(xml.Root());
+    EXPECT_EQ(small.GetLastConfigId(), 2);
+    int id = 0;
+    small.AddConfig(CPath(), id);
+    EXPECT_EQ(id, 3);
+    EXPECT_EQ(Ids(small), (std::vector<int>{2, 3, 1}));
+}
+
+TEST(SMemberList, AddAndCopyGoInFrontOfTheLastEntry) {
+    XmlSnippet xml("<SMember name='a'/>");
+    SMember small;
+    small.ReadData(xml.Root());
+    int id = 0;
+    ASSERT_TRUE(small.AddConfig(CPath(), id));
+    EXPECT_EQ(id, 2);
+    EXPECT_EQ(Ids(small), (std::vector<int>{2, 1}));
+    small.AddConfig(CPath(), id);
+    EXPECT_EQ(Ids(small), (std::vector<int>{2, 3, 1}));
+    EXPECT_EQ(small.GetConfig(3)->GetParent(), &small);
+
+    small.GetConfig(2)->AddQd(QdStruct{L"031001001001"});
+    int copyId = -5;
+    EXPECT_FALSE(small.AddConfigByCopy(77, copyId));
+    EXPECT_EQ(copyId, -5);
+    EXPECT_EQ(Ids(small), (std::vector<int>{2, 3, 1}));
+    ASSERT_TRUE(small.AddConfigByCopy(2, copyId));
+    EXPECT_EQ(copyId, 4);
+    EXPECT_EQ(Ids(small), (std::vector<int>{2, 3, 4, 1}));
+    EXPECT_EQ(small.GetConfig(4)->GetQd().size(), 1u);
+    EXPECT_EQ(small.GetConfig(4)->GetParent(), &small);
+
+    // Copying the default gives a second default: guarding that is the dialogs' business.
+    small.AddConfigByCopy(1, copyId);
+    EXPECT_TRUE(small.GetConfig(5)->IfDefault());
+}
+
+TEST(SMemberList, MovesNeverReachTheLastEntry) {
+    XmlSnippet xml("<SMember name='a'/>");
+    SMember small;
+    small.ReadData(xml.Root());
+    EXPECT_FALSE(small.MoveUpConfig(ConfigPath(1)));
+    EXPECT_FALSE(small.MoveDownConfig(ConfigPath(1)));
+    int id = 0;
+    small.AddConfig(CPath(), id); // 2
+    small.AddConfig(CPath(), id); // 3
+    ASSERT_EQ(Ids(small), (std::vector<int>{2, 3, 1}));
+    EXPECT_FALSE(small.MoveUpConfig(ConfigPath(2)));
+    EXPECT_FALSE(small.MoveDownConfig(ConfigPath(3)));
+    EXPECT_FALSE(small.MoveUpConfig(ConfigPath(1)));
+    EXPECT_FALSE(small.MoveDownConfig(ConfigPath(1)));
+    EXPECT_FALSE(small.MoveUpConfig(ConfigPath(9)));
+    EXPECT_FALSE(small.MoveDownConfig(ConfigPath(9)));
+    EXPECT_TRUE(small.MoveDownConfig(ConfigPath(2)));
+    EXPECT_EQ(Ids(small), (std::vector<int>{3, 2, 1}));
+    EXPECT_TRUE(small.MoveUpConfig(ConfigPath(2)));
+    EXPECT_EQ(Ids(small), (std::vector<int>{2, 3, 1}));
+}
+
+TEST(SMemberList, DeleteKeepsCounterAndDetachedConditionsStayReadable) {
+    XmlSnippet xml("<SMember name='a'/>");
+    SMember small;
+    small.ReadData(xml.Root());
+    int id = 0;
+    small.AddConfig(CPath(), id);
+    small.GetConfig(2)->AddCondition(
+        ConditionNode(L"材质", true, L"＝", L"", L"", L"铜", L"", L""));
+    ConditionNode* held = small.GetConfig(2)->GetCondition()[0];
+    EXPECT_TRUE(small.DelConfig(99));
+    EXPECT_TRUE(small.DelConfig(2));
+    EXPECT_EQ(Ids(small), std::vector<int>{1});
+    // A condition handed out before the delete is still a valid object.
+    EXPECT_EQ(held->GetConditionString(), L"材质＝铜");
+    small.AddConfig(CPath(), id);
+    EXPECT_EQ(id, 3);
+    // The default configuration can be deleted too; the list may then be empty.
+    EXPECT_TRUE(small.DelConfig(1));
+    EXPECT_TRUE(small.DelConfig(3));
+    EXPECT_TRUE(small.GetAllConfig().empty());
+    small.AddConfig(CPath(), id);
+    EXPECT_EQ(Ids(small), std::vector<int>{4});
+}
+
+TEST(SMemberWrite, WritesCounterAndConfigurations) {
+    XmlSnippet xml("<SMember name='给水管'/>");
+    SMember small;
+    small.SetId(20101);
+    small.ReadData(xml.Root());
+    XmlNode out = xml.NewElement("SMember");
+    small.WriteData(out);
+    EXPECT_EQ(xml.Serialised(out),
+              "<SMember id=\"20101\" name=\"给水管\" LastConfigId=\"1\"><Config>"
+              "<Config id=\"1\" LastQdId=\"0\" LastConditionId=\"0\" bDefault=\"1\" "
+              "LastDeId=\"0\"><Condition /><Qd /><De /></Config></Config></SMember>");
+}

@@ -1,0 +1,220 @@
+#include "model/ConfigNode.h"
+#include "model/SMember.h"
+#include "model/XmlFixture.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+DeStruct Quota(const CString& number) {
+    DeStruct de;
+    de.strDeId = number;
+    de.strName = L"管道安装 " + number;
+    return de;
+}
+QdStruct Bill(const CString& number) {
+    QdStruct qd;
+    qd.strQdId = number;
+    qd.strName = L"镀锌钢管";
+    qd.strUnit = L"m";
+    qd.strUnitCode = L"1";
+    return qd;
+}
+} // namespace
+
+TEST(QdNode, QuotaIdsComeFromTheHighestReadAndAreNotReused) {
+    XmlSnippet xml("<qd id='2' strQdId='031001001001' strName='镀锌钢管'>"
+                   "<De><De id='3' strDeId='10-1'/><!-- note --><x id='7' strDeId='10-2'/></De>"
+                   "</qd>");
+    QdNode qd;
+    ASSERT_TRUE(qd.ReadData(xml.Root()));
+    EXPECT_EQ(qd.GetId(), 2);
+    EXPECT_EQ(qd.m_qd.strQdId, L"031001001001");
+    // Every child of the list is a quota, whatever its tag: the comment too, with id 0.
+    ASSERT_EQ(qd.GetDe().size(), 3u);
+    EXPECT_EQ(qd.GetDe()[1]->GetId(), 0);
+    EXPECT_EQ(qd.GetLastDeId(), 7);
+    EXPECT_EQ(qd.GetDe()[0]->GetParent(), &qd);
+
+    qd.AddDe(Quota(L"10-3"));
+    EXPECT_EQ(qd.GetDe().back()->GetId(), 8);
+    EXPECT_TRUE(qd.DelDe({8, 99}));
+    qd.AddDe(Quota(L"10-4"));
+    EXPECT_EQ(qd.GetDe().back()->GetId(), 9) << "a deleted id is not handed out again";
+
+    EXPECT_FALSE(qd.ReSetDe(42, Quota(L"x")));
+    EXPECT_TRUE(qd.ReSetDe(3, Quota(L"10-9")));
+    EXPECT_EQ(qd.GetDe(3)->m_de.strDeId, L"10-9");
+    EXPECT_EQ(qd.GetDe(3)->GetParent(), &qd);
+}
+
+TEST(QdNode, WithoutQuotaListReadsEmptyAndWritesOne) {
+    XmlSnippet xml("<qd id='1'/>");
+    QdNode qd;
+    qd.ReadData(xml.Root());
+    EXPECT_TRUE(qd.GetDe().empty());
+    EXPECT_EQ(qd.GetLastDeId(), 0);
+    XmlNode out = xml.NewElement("qd");
+    qd.WriteData(out);
+    EXPECT_EQ(xml.Serialised(out),
+              "<qd id=\"1\" strQdId=\"\" strQdIdUser=\"\" strName=\"\" strUnit=\"\" "
+              "strUnitCode=\"\" strtypeid=\"\" strQdCode=\"\" strFormula=\"\" strAnnex=\"\">"
+              "<De /></qd>");
+}
+
+TEST(QdNode, CloneKeepsIdsOrderAndReparentsQuotas) {
+    ConfigNode owner;
+    QdNode qd;
+    qd.SetId(5);
+    qd.SetParent(&owner);
+    qd.m_qd = Bill(L"031001001001");
+    qd.AddDe(Quota(L"a"));
+    qd.AddDe(Quota(L"b"));
+    qd.DelDe({1});
+    std::unique_ptr<QdNode> copy(qd.Clone());
+    EXPECT_EQ(copy->GetId(), 5);
+    EXPECT_EQ(copy->GetParent(), &owner);
+    EXPECT_EQ(copy->GetLastDeId(), 2);
+    ASSERT_EQ(copy->GetDe().size(), 1u);
+    EXPECT_EQ(copy->GetDe()[0]->GetId(), 2);
+    EXPECT_EQ(copy->GetDe()[0]->m_de.strDeId, L"b");
+    EXPECT_EQ(copy->GetDe()[0]->GetParent(), copy.get());
+    EXPECT_NE(copy->GetDe()[0], qd.GetDe()[0]);
+}
+
+TEST(ConfigNode, CountersAreMendedByIdsButNotLowered) {
+    XmlSnippet xml("<list>"
+                   "<Config id='3' LastQdId='2' LastConditionId='0' bDefault='0' LastDeId='x'>"
+                   "<Condition><condition id='4' strCFType='a' bEqual='true'/></Condition>"
+                   "<Qd><qd id='1'/><qd id='5'/></Qd><De><De id='6'/></De></Config>"
+                   "<Config id='4' LastQdId='9' bDefault='7'><Qd><qd id='1'/><qd id='5'/></Qd>"
+                   "</Config>"
+                   "<config id='1'/>"
+                   "</list>");
+    XmlNode first = xml.Root().first_child();
+    ConfigNode mended;
+    mended.ReadData(first);
+    EXPECT_EQ(mended.GetLastQdId(), 5);
+    EXPECT_EQ(mended.GetLastConditionId(), 4);
+    EXPECT_EQ(mended.GetLastDeId(), 6);
+    EXPECT_FALSE(mended.IfDefault());
+    EXPECT_EQ(mended.GetConditionString(), L"a;");
+
+    ConfigNode high;
+    high.ReadData(first.next_sibling());
+    EXPECT_EQ(high.GetLastQdId(), 9);
+    EXPECT_TRUE(high.IfDefault()) << "any non-zero bDefault is the default flag";
+    EXPECT_EQ(high.GetConditionString(), L"其它");
+
+    // A configuration with no list elements at all (a freshly created file) reads empty.
+    ConfigNode bare;
+    bare.ReadData(first.next_sibling().next_sibling());
+    EXPECT_EQ(bare.GetId(), 1);
+    EXPECT_TRUE(bare.GetCondition().empty());
+    EXPECT_TRUE(bare.GetQd().empty());
+    EXPECT_TRUE(bare.GetDe().empty());
+}
+
+TEST(ConfigNode, ListElementsAreFoundOnlyByExactCapitalisedName) {
+    XmlSnippet xml("<Config id='2'><condition><c id='1'/></condition>"
+                   "<Qd><Qd id='3'/></Qd><de><x id='1'/></de></Config>");
+    ConfigNode config;
+    config.ReadData(xml.Root());
+    EXPECT_TRUE(config.GetCondition().empty());
+    ASSERT_EQ(config.GetQd().size(), 1u) << "members load whatever their tag";
+    EXPECT_EQ(config.GetQd()[0]->GetId(), 3);
+    EXPECT_TRUE(config.GetDe().empty());
+}
+
+TEST(ConfigNode, WritesItsValuesAndThreeListsAlways) {
+    XmlSnippet xml("<x/>");
+    ConfigNode config;
+    config.SetId(2);
+    XmlNode out = xml.NewElement("Config");
+    config.WriteData(out);
+    EXPECT_EQ(xml.Serialised(out),
+              "<Config id=\"2\" LastQdId=\"0\" LastConditionId=\"0\" "
+              "bDefault=\"0\" LastDeId=\"0\"><Condition /><Qd /><De /></Config>");
+
+    config.SetDefault(true);
+    config.AddCondition(ConditionNode(L"材质", true, L"＝", L"", L"", L"铜", L"", L""));
+    config.AddQd(Bill(L"031001001001"));
+    config.AddDe(Quota(L"10-1"));
+    config.GetQd(1)->AddDe(Quota(L"10-2"));
+    XmlNode full = xml.NewElement("Config");
+    config.WriteData(full);
+    ConfigNode back;
+    back.ReadData(full);
+    EXPECT_TRUE(back.IfDefault());
+    ASSERT_EQ(back.GetCondition().size(), 1u);
+    EXPECT_EQ(back.GetCondition()[0]->GetConditionString(), L"材质＝铜");
+    ASSERT_EQ(back.GetQd().size(), 1u);
+    EXPECT_EQ(back.GetQd()[0]->m_qd.strUnit, L"m");
+    ASSERT_EQ(back.GetQd()[0]->GetDe().size(), 1u);
+    EXPECT_EQ(back.GetQd()[0]->GetDe()[0]->m_de.strDeId, L"10-2");
+    ASSERT_EQ(back.GetDe().size(), 1u);
+    EXPECT_EQ(back.GetDe()[0]->m_de.strDeId, L"10-1");
+    EXPECT_NE(xml.Serialised(full).find("<Condition><condition id=\"1\""), std::string::npos);
+    EXPECT_NE(xml.Serialised(full).find("<Qd><qd id=\"1\""), std::string::npos);
+}
+
+TEST(ConfigNode, EditsByIdAndTheirResults) {
+    ConfigNode config;
+    ConditionNode a(L"材质", true, L"＝", L"", L"", L"铜", L"", L"");
+    ConditionNode b(L"管径", false, L"", L"＞", L"", L"", L"50", L"");
+    config.AddCondition(a);
+    config.AddCondition(b);
+    EXPECT_EQ(config.GetConditionString(), L"材质＝铜;管径＞50;");
+    EXPECT_EQ(config.GetCondition()[1]->GetId(), 2);
+    EXPECT_EQ(config.GetCondition()[1]->GetParent(), nullptr);
+
+    EXPECT_FALSE(config.DelCondition(9));
+    EXPECT_FALSE(config.ResetCondition(9, b));
+    EXPECT_TRUE(config.ResetCondition(1, b));
+    EXPECT_EQ(config.GetConditionString(), L"管径＞50;管径＞50;");
+    EXPECT_TRUE(config.DelCondition(1));
+    EXPECT_EQ(config.GetCondition().size(), 1u);
+
+    config.AddQd(Bill(L"1"));
+    config.AddQd(Bill(L"2"));
+    config.AddQd(Bill(L"3"));
+    EXPECT_TRUE(config.DelQd({7, 8}));
+    EXPECT_EQ(config.GetQd().size(), 3u);
+    EXPECT_TRUE(config.DelQd({2}));
+    ASSERT_EQ(config.GetQd().size(), 2u);
+    EXPECT_EQ(config.GetQd()[1]->m_qd.strQdId, L"3");
+    EXPECT_FALSE(config.ResetQd(2, Bill(L"x")));
+    EXPECT_FALSE(config.ResetDe(1, Quota(L"x")));
+
+    std::vector<CString> numbers = {L"kept", L"too"};
+    EXPECT_TRUE(config.GetExistQdIndex(numbers));
+    EXPECT_EQ(numbers, (std::vector<CString>{L"kept", L"too", L"1", L"3"}));
+}
+
+TEST(ConfigNode, CloneCopiesEverythingButConditionIds) {
+    SMember owner;
+    ConfigNode config;
+    config.SetId(4);
+    config.SetParent(&owner);
+    config.AddCondition(ConditionNode(L"材质", true, L"＝", L"", L"", L"铜", L"", L""));
+    config.AddCondition(ConditionNode(L"管径", true, L"＝", L"", L"", L"50", L"", L""));
+    config.AddQd(Bill(L"1"));
+    config.AddQd(Bill(L"2"));
+    config.DelQd({1});
+    config.AddDe(Quota(L"q"));
+    std::unique_ptr<ConfigNode> copy(config.Clone());
+    EXPECT_EQ(copy->GetId(), 4);
+    EXPECT_EQ(copy->GetParent(), &owner);
+    EXPECT_EQ(copy->GetLastConditionId(), 2);
+    EXPECT_EQ(copy->GetLastQdId(), 2);
+    ASSERT_EQ(copy->GetQd().size(), 1u);
+    EXPECT_EQ(copy->GetQd()[0]->GetId(), 2);
+    EXPECT_EQ(copy->GetQd()[0]->GetParent(), copy.get());
+    EXPECT_EQ(copy->GetDe()[0]->GetParent(), copy.get());
+    ASSERT_EQ(copy->GetCondition().size(), 2u);
+    EXPECT_EQ(copy->GetCondition()[0]->GetId(), 0);
+    EXPECT_EQ(copy->GetCondition()[1]->GetId(), 0);
+    EXPECT_EQ(copy->GetCondition()[0]->GetParent(), copy.get());
+    // Id 0 reaches the first of the copied conditions.
+    EXPECT_TRUE(copy->DelCondition(0));
+    EXPECT_EQ(copy->GetConditionString(), L"管径＝50;");
+}
