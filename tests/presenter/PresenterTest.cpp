@@ -1,0 +1,236 @@
+#include "platform/FileSystem.h"
+#include "platform/ProfileIni.h"
+#include "presenter/CQdDeConfigPresenter.h"
+#include "support/TestHost.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+void Catalog(TestHost& host) {
+    host.Add(L"给排水", L"管道", L"给水管", 1, 101);
+    host.Add(L"给排水", L"管道", L"排水管", 1, 102);
+}
+
+CPath Config(int configId) {
+    CPath path;
+    path.SpecId = 2;
+    path.LMemberId = 1;
+    path.SMemberId = 101;
+    path.ConfigId = configId;
+    return path;
+}
+
+CStringArray ValueCondition(const CString& flag) {
+    return {L"材质", flag, L"＝", L"", L"", L"镀锌钢管", L"", L""};
+}
+
+const char* const kValidFile = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
+                               "<自动套清单定额配置信息 Version=\"1.0.0\"/>";
+
+} // namespace
+
+TEST(PresenterFiles, EmptyArgumentOpensTheRecordedConfigurationInTheFolder) {
+    TestHost host;
+    Catalog(host);
+    {
+        CQdDeConfigPresenter presenter;
+        EXPECT_EQ(presenter.GetCurConfig(), L"DefaultConfig");
+        EXPECT_EQ(presenter.GetCurConfigDetailPath(), host.DefaultConfigFile());
+        EXPECT_EQ(presenter.GetData()->GetFilePath(), host.DefaultConfigFile());
+        EXPECT_TRUE(PathExists(host.DefaultConfigFile()));
+        EXPECT_FALSE(PathExists(host.ProjectDir() + L"/SysRegedit.ini")) << "nothing recorded";
+
+        CString other = host.dir.Write(L"elsewhere/abc.def.xml", kValidFile);
+        ASSERT_TRUE(presenter.ReLoad(other));
+        EXPECT_EQ(presenter.GetCurConfig(), L"abc.def");
+        CString stored;
+        GetPrivateProfileStringW(L"qddeconfiginfo", L"CONFIGNAME", L"", stored, 100,
+                                 host.ProjectDir() + L"/SysRegedit.ini");
+        EXPECT_EQ(stored, L"abc.def");
+        // SaveAs leaves the record alone.
+        ASSERT_TRUE(presenter.SaveAs(host.dir.File(L"copy.xml")));
+        EXPECT_EQ(presenter.GetCurConfig(), L"abc.def");
+    }
+    // Only the bare name is recorded: the next presenter opens (and creates) the file of that
+    // name in the configuration folder, not the one opened from elsewhere.
+    CQdDeConfigPresenter next;
+    CString expected = host.ConfigDir() + L"/自动套配置/abc.def.xml";
+    EXPECT_EQ(next.GetData()->GetFilePath(), expected);
+    EXPECT_TRUE(PathExists(expected));
+}
+
+TEST(PresenterFiles, RecordedNamesWithoutExtensionOrTooLong) {
+    TestHost host;
+    Catalog(host);
+    CQdDeConfigPresenter presenter(host.dir.File(L"start.xml"));
+    EXPECT_EQ(presenter.GetData()->GetFilePath(), host.dir.File(L"start.xml"));
+    ASSERT_TRUE(PathExists(host.dir.File(L"start.xml")));
+    EXPECT_FALSE(PathExists(host.ConfigDir() + L"/自动套配置")) << "an explicit file needs no folder";
+
+    CString bare = host.dir.Write(L"noextension", kValidFile);
+    ASSERT_TRUE(presenter.ReLoad(bare));
+    EXPECT_EQ(presenter.GetCurConfig(), L"DefaultConfig");
+
+    CString longName(L'长', 120);
+    WritePrivateProfileStringW(L"QdDeConfigInfo", L"ConfigName", longName,
+                               host.ProjectDir() + L"/SysRegedit.ini");
+    EXPECT_EQ(presenter.GetCurConfig(), longName.Left(99));
+
+    EXPECT_FALSE(presenter.ReLoad(host.dir.File(L"missing.xml")));
+    EXPECT_EQ(presenter.GetCurConfig(), longName.Left(99)) << "a failed load records nothing";
+}
+
+TEST(PresenterFiles, RefreshReportsMismatchOnly) {
+    TestHost host;
+    Catalog(host);
+    CString good = host.dir.Write(L"good.xml", kValidFile);
+    CString error = L"untouched";
+    EXPECT_TRUE(RefreshAutoConfig(error, good));
+    EXPECT_EQ(error, L"untouched");
+    CQdDeConfigPresenter current;
+    EXPECT_EQ(current.GetCurConfig(), L"good");
+
+    CString headed =
+        host.dir.Write(L"headed.xml", std::string("\x01\x00\x00\x00\x04\x00\x00\x00abcd", 12) +
+                                          kValidFile);
+    EXPECT_FALSE(RefreshAutoConfig(error, headed));
+    EXPECT_EQ(error, L"文件功能不匹配");
+    EXPECT_TRUE(host.messages.Messages().empty());
+
+    error = L"";
+    EXPECT_FALSE(RefreshAutoConfig(error, host.dir.File(L"gone.xml")));
+    EXPECT_EQ(error, L"文件功能不匹配");
+    EXPECT_EQ(host.messages.Texts(), std::vector<CString>{L"文件不存在，请重新选择调用文件!"});
+}
+
+TEST(PresenterEdits, ConditionArraysAreCheckedAndParsed) {
+    TestHost host;
+    Catalog(host);
+    CQdDeConfigPresenter presenter(host.dir.File(L"c.xml"));
+    int id = 0;
+    ASSERT_TRUE(presenter.AddConfig(Config(CPath::kNone), id));
+    CPath path = Config(id);
+
+    CStringArray seven = ValueCondition(L"1");
+    seven.RemoveAt(7);
+    EXPECT_FALSE(presenter.AddCondition(path, seven));
+    EXPECT_TRUE(presenter.GetConfig(path)->GetCondition().empty());
+
+    CStringArray nine = ValueCondition(L"2");
+    nine.Add(L"ignored");
+    ASSERT_TRUE(presenter.AddCondition(path, nine));
+    ASSERT_TRUE(presenter.AddCondition(path, ValueCondition(L"abc")));
+    auto conditions = presenter.GetConfig(path)->GetCondition();
+    ASSERT_EQ(conditions.size(), 2u);
+    EXPECT_TRUE(conditions[0]->IsEqual());
+    EXPECT_FALSE(conditions[1]->IsEqual());
+    EXPECT_EQ(conditions[1]->GetConditionString(), L"材质");
+
+    path.ConditionId = 2;
+    ASSERT_TRUE(presenter.ResetCondition(
+        path, {L"管径", L"0", L"", L"＞", L"≤", L"", L"20", L"50"}));
+    EXPECT_EQ(presenter.GetConfig(path)->GetConditionString(), L"材质＝镀锌钢管;20＜管径≤50;");
+    EXPECT_FALSE(presenter.ResetCondition(path, seven));
+
+    std::vector<ConfigNode*> configs;
+    path.ConditionId = 42;
+    EXPECT_TRUE(presenter.DelCondition(path, configs)) << "the configuration exists";
+    EXPECT_EQ(configs.size(), 2u);
+    path.ConditionId = 1;
+    EXPECT_TRUE(presenter.DelCondition(path, configs));
+    EXPECT_EQ(presenter.GetConfig(path)->GetCondition().size(), 1u);
+}
+
+TEST(PresenterEdits, ItemsThroughPathsAndTheListsTheyReturn) {
+    TestHost host;
+    Catalog(host);
+    CQdDeConfigPresenter presenter(host.dir.File(L"i.xml"));
+    int id = 0;
+    presenter.AddConfig(Config(CPath::kNone), id);
+    CPath path = Config(id);
+    std::vector<ConfigNode*> configs;
+    QdStruct qd;
+    qd.strQdId = L"031001001001";
+    ASSERT_TRUE(presenter.AddQd(qd, path, configs));
+    ASSERT_EQ(configs.size(), 2u);
+    EXPECT_EQ(configs[0]->GetQd().size(), 1u) << "the list shows the new bill item";
+    presenter.AddQd(qd, path, configs);
+
+    DeStruct de;
+    de.strDeId = L"10-1";
+    path.QdId = 1;
+    ASSERT_TRUE(presenter.AddDe2QdNode(de, path, configs));
+    ASSERT_TRUE(presenter.AddDe2QdNode(de, path, configs));
+    path.QdId = 2;
+    ASSERT_TRUE(presenter.AddDe2QdNode(de, path, configs));
+    path.QdId = 9;
+    EXPECT_FALSE(presenter.AddDe2QdNode(de, path, configs));
+    ASSERT_TRUE(presenter.AddDe2ConfigNode(de, path, configs));
+
+    std::vector<CString> numbers;
+    ASSERT_TRUE(presenter.GetExistQdIndex(path, numbers));
+    EXPECT_EQ(numbers, (std::vector<CString>{L"031001001001", L"031001001001"}));
+
+    // Entries for bills that don't exist are skipped; the others still run.
+    EXPECT_TRUE(presenter.DelDeInQdNode(path, {{0, {1}}, {1, {1}}, {7, {1}}, {2, {5}}}));
+    ConfigNode* config = presenter.GetConfig(path);
+    EXPECT_EQ(config->GetQd(1)->GetDe().size(), 1u);
+    EXPECT_EQ(config->GetQd(2)->GetDe().size(), 1u);
+
+    de.strDeId = L"10-9";
+    path.DeId = 2;
+    path.QdId = 1;
+    EXPECT_TRUE(presenter.ResetDeToQd(path, de));
+    EXPECT_EQ(config->GetQd(1)->GetDe(2)->m_de.strDeId, L"10-9");
+    path.DeId = 1;
+    EXPECT_TRUE(presenter.ResetDeToConfig(path, de));
+    EXPECT_EQ(config->GetDe(1)->m_de.strDeId, L"10-9");
+    EXPECT_TRUE(presenter.DelDeInConfigNode(path, {1}));
+    EXPECT_TRUE(config->GetDe().empty());
+    qd.strName = L"新名称";
+    EXPECT_TRUE(presenter.ResetQd(path, qd));
+    EXPECT_EQ(config->GetQd(1)->m_qd.strName, L"新名称");
+    EXPECT_TRUE(presenter.DelQd(path, {1, 2}));
+    EXPECT_TRUE(config->GetQd().empty());
+}
+
+TEST(PresenterEdits, PathsOfAnotherSpecialtyChangeNothing) {
+    TestHost host;
+    Catalog(host);
+    host.Add(L"电气", L"管道", L"给水管", 1, 101);
+    CQdDeConfigPresenter presenter(host.dir.File(L"o.xml"));
+    CPath other = Config(1);
+    other.SpecId = 3;
+    other.QdId = 1;
+    other.DeId = 1;
+    other.ConditionId = 1;
+    int id = -1;
+    std::vector<ConfigNode*> configs;
+    std::vector<CString> numbers;
+    EXPECT_EQ(presenter.GetConfig(other), nullptr);
+    EXPECT_FALSE(presenter.GetConfig(other, configs));
+    EXPECT_FALSE(presenter.GetExistQdIndex(other, numbers));
+    EXPECT_FALSE(presenter.AddConfig(other, id));
+    EXPECT_FALSE(presenter.AddConfigByCopy(other, id));
+    EXPECT_EQ(id, -1);
+    EXPECT_FALSE(presenter.MoveUpConfig(other));
+    EXPECT_FALSE(presenter.MoveDownConfig(other));
+    EXPECT_FALSE(presenter.DelConfig(other));
+    EXPECT_FALSE(presenter.AddCondition(other, ValueCondition(L"1")));
+    EXPECT_FALSE(presenter.ResetCondition(other, ValueCondition(L"1")));
+    EXPECT_FALSE(presenter.DelCondition(other, configs));
+    EXPECT_FALSE(presenter.AddQd(QdStruct(), other, configs));
+    EXPECT_FALSE(presenter.AddDe2QdNode(DeStruct(), other, configs));
+    EXPECT_FALSE(presenter.AddDe2ConfigNode(DeStruct(), other, configs));
+    EXPECT_TRUE(configs.empty());
+    EXPECT_FALSE(presenter.DelQd(other, {1}));
+    EXPECT_TRUE(presenter.DelDeInQdNode(other, {{1, {1}}}));
+    EXPECT_FALSE(presenter.DelDeInConfigNode(other, {1}));
+    EXPECT_FALSE(presenter.ResetQd(other, QdStruct()));
+    EXPECT_FALSE(presenter.ResetDeToConfig(other, DeStruct()));
+    EXPECT_FALSE(presenter.ResetDeToQd(other, DeStruct()));
+    std::vector<ConfigNode*> own;
+    ASSERT_TRUE(presenter.GetConfig(Config(CPath::kNone), own));
+    EXPECT_EQ(own.size(), 1u);
+}

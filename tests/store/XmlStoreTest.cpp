@@ -1,0 +1,286 @@
+#include "store/CXmlQdDeConfig.h"
+#include "support/TestHost.h"
+#include "xml/XmlDocument.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const char* const kHead = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+
+void Catalog(TestHost& host) {
+    host.Add(L"给排水", L"管道", L"给水管", 1, 101);
+    host.Add(L"给排水", L"管道", L"排水管", 1, 102);
+    host.Add(L"给排水", L"阀门仪表", L"阀门", 2, 201);
+    host.Add(L"电气", L"配电箱柜", L"配电箱柜", 1, 101);
+    host.Add(L"暖通", L"风管", L"矩形风管", 1, 101);
+}
+
+CPath PathTo(int spec, int large, int small, int config = CPath::kNone) {
+    CPath path;
+    path.SpecId = spec;
+    path.LMemberId = large;
+    path.SMemberId = small;
+    path.ConfigId = config;
+    return path;
+}
+
+// The serialised element of the root whose "name" is the given one, or "".
+std::string SpecElement(const CString& file, const char* name) {
+    XmlDocument doc;
+    if (!doc.Load(file))
+        return "";
+    for (XmlNode child : doc.DocumentElement().children()) {
+        if (std::string(child.attribute("name").value()) == name) {
+            std::ostringstream out;
+            child.print(out, "", pugi::format_raw);
+            return out.str();
+        }
+    }
+    return "";
+}
+
+std::vector<std::string> RootChildNames(const CString& file) {
+    XmlDocument doc;
+    std::vector<std::string> names;
+    if (doc.Load(file))
+        for (XmlNode child : doc.DocumentElement().children())
+            names.push_back(child.attribute("name").value());
+    return names;
+}
+
+int ConfigCount(CXmlQdDeConfig& store, const CPath& path) {
+    std::vector<ConfigNode*> configs;
+    store.GetConfig(path, configs);
+    return static_cast<int>(configs.size());
+}
+
+} // namespace
+
+TEST(XmlStore, MissingFileIsCreatedAsReadingLeftIt) {
+    TestHost host;
+    Catalog(host);
+    CString file = host.dir.File(L"new.xml");
+    CXmlQdDeConfig store(file, L"给排水");
+    EXPECT_EQ(store.GetFilePath(), file);
+    std::string text = host.dir.Read(file);
+    ASSERT_FALSE(text.empty());
+    XmlDocument doc;
+    ASSERT_TRUE(doc.Load(file));
+    XmlNode root = doc.DocumentElement();
+    EXPECT_STREQ(root.name(), "自动套清单定额配置信息");
+    EXPECT_STREQ(root.attribute("Version").value(), "2.5.0");
+    XmlNode spec = root.first_child();
+    EXPECT_STREQ(spec.name(), "给排水");
+    EXPECT_STREQ(spec.attribute("id").value(), "2");
+    EXPECT_STREQ(spec.attribute("name").value(), "给排水");
+    // The created shape: "SMember" with a name only, "config" with its five values.
+    XmlNode config = spec.first_child().first_child().child("Config").first_child();
+    EXPECT_STREQ(config.name(), "config");
+    EXPECT_STREQ(config.first_attribute().name(), "id");
+    EXPECT_STREQ(config.first_attribute().next_attribute().name(), "bDefault");
+    EXPECT_EQ(ConfigCount(store, PathTo(2, 1, 101)), 1);
+    EXPECT_EQ(ConfigCount(store, PathTo(2, 2, 201)), 1);
+    EXPECT_TRUE(host.messages.Messages().empty());
+
+    // The created shape loads as the saved shape does.
+    CXmlQdDeConfig again(file, L"给排水");
+    EXPECT_NE(again.GetConfig(PathTo(2, 1, 102, 1)), nullptr);
+    EXPECT_EQ(host.dir.Read(file), text) << "opening an existing file writes nothing";
+
+    host.data.profile.version = L"";
+    CXmlQdDeConfig versionless(host.dir.File(L"v.xml"), L"给排水");
+    XmlDocument created;
+    ASSERT_TRUE(created.Load(host.dir.File(L"v.xml")));
+    EXPECT_STREQ(created.DocumentElement().attribute("Version").value(), "1.0.0");
+}
+
+TEST(XmlStore, SaveRewritesOnlyTheCurrentSpecialtyAndMovesItLast) {
+    TestHost host;
+    Catalog(host);
+    CString file = host.dir.Write(
+        L"three.xml",
+        std::string(kHead) +
+            "<自动套清单定额配置信息 Version='1.0' CalMode='清单版'>"
+            "<暖通 id='4' name='暖通'><LMember id='1' name='风管'><SMember name='矩形风管'>"
+            "<Config><Config id='1' bDefault='1'/></Config></SMember></LMember>"
+            "<LMember id='9' name='不在工程里的大类'/></暖通>"
+            "<x/>"
+            "<给排水 id='2' name='给排水'><LMember id='1' name='管道'>"
+            "<SMember id='101' name='给水管' LastConfigId='3'><Config>"
+            "<Config id='3' LastQdId='2' LastConditionId='1' bDefault='0' LastDeId='0'>"
+            "<Condition><condition id='1' strCFType='管径' bEqual='true' strEqualoperator='＝' "
+            "strValue='50'/></Condition><Qd><qd id='2' strQdId='031001001001'><De/></qd></Qd>"
+            "<De/></Config><Config id='1' bDefault='1'/></Config></SMember></LMember></给排水>"
+            "<电气 id='3' name='电气'><LMember name='配电箱柜'/></电气>"
+            "</自动套清单定额配置信息>");
+    std::string hvac = SpecElement(file, "暖通");
+    std::string power = SpecElement(file, "电气");
+    CXmlQdDeConfig store(file, L"给排水");
+    ConfigNode* config = store.GetConfig(PathTo(2, 1, 101, 3));
+    ASSERT_NE(config, nullptr);
+    EXPECT_EQ(config->GetConditionString(), L"管径＝50;");
+    EXPECT_EQ(config->GetQd(2)->m_qd.strQdId, L"031001001001");
+    int id = 0;
+    ASSERT_TRUE(store.AddConfig(PathTo(2, 1, 101), id));
+    EXPECT_EQ(id, 4);
+
+    ASSERT_TRUE(store.Save());
+    EXPECT_EQ(RootChildNames(file), (std::vector<std::string>{"暖通", "", "电气", "给排水"}));
+    EXPECT_EQ(SpecElement(file, "暖通"), hvac);
+    EXPECT_EQ(SpecElement(file, "电气"), power);
+    XmlDocument doc;
+    ASSERT_TRUE(doc.Load(file));
+    EXPECT_STREQ(doc.DocumentElement().attribute("CalMode").value(), "清单版");
+    EXPECT_STREQ(doc.DocumentElement().attribute("Version").value(), "2.5.0");
+
+    CXmlQdDeConfig reread(file, L"给排水");
+    std::vector<ConfigNode*> configs;
+    ASSERT_TRUE(reread.GetConfig(PathTo(2, 1, 101), configs));
+    ASSERT_EQ(configs.size(), 3u);
+    EXPECT_EQ(configs[0]->GetId(), 3);
+    EXPECT_EQ(configs[1]->GetId(), 4);
+    EXPECT_EQ(configs[1]->GetParent()->GetId(), 101);
+    EXPECT_EQ(configs[0]->GetQd(2)->m_qd.strQdId, L"031001001001");
+}
+
+TEST(XmlStore, SaveOverACorruptFileKeepsOnlyTheCurrentSpecialty) {
+    TestHost host;
+    Catalog(host);
+    CString file = host.dir.File(L"c.xml");
+    CXmlQdDeConfig store(file, L"给排水");
+    host.dir.Write(L"c.xml", "<自动套清单定额配置信息><暖通 name='暖通'>");
+    ASSERT_TRUE(store.Save());
+    EXPECT_EQ(RootChildNames(file), std::vector<std::string>{"给排水"});
+}
+
+TEST(XmlStore, ReloadSavesFirstOnlyForAnotherFile) {
+    TestHost host;
+    Catalog(host);
+    CString file = host.dir.File(L"Main.xml");
+    CXmlQdDeConfig store(file, L"给排水");
+    std::string before = host.dir.Read(file);
+    int id = 0;
+    store.AddConfig(PathTo(2, 1, 101), id);
+
+    // The same name in another case is taken for the open file: no save first. (The disk here
+    // tells the cases apart, so the load itself then finds no such file.)
+    EXPECT_FALSE(store.ReLoad(host.dir.File(L"main.XML")));
+    EXPECT_EQ(host.dir.Read(file), before);
+    host.messages.Clear();
+
+    store.AddConfig(PathTo(2, 1, 101), id);
+    CString missing = host.dir.File(L"missing.xml");
+    EXPECT_FALSE(store.ReLoad(missing));
+    ASSERT_EQ(host.messages.Messages().size(), 1u);
+    const RecordedMessage& m = host.messages.Messages()[0];
+    EXPECT_EQ(m.text, L"文件不存在，请重新选择调用文件!");
+    EXPECT_EQ(m.caption, L"Quorvel");
+    EXPECT_EQ(m.flags, 73776u);
+    EXPECT_EQ(store.GetFilePath(), file);
+    EXPECT_NE(host.dir.Read(file), before) << "the open file was saved before the test";
+    EXPECT_EQ(ConfigCount(store, PathTo(2, 1, 101)), 2) << "the tree is kept";
+}
+
+TEST(XmlStore, BadFilesAreRefusedAndLeftUntouched) {
+    TestHost host;
+    Catalog(host);
+    CString good = host.dir.File(L"good.xml");
+    CXmlQdDeConfig store(good, L"给排水");
+    int id = 0;
+    store.AddConfig(PathTo(2, 1, 101), id);
+    store.Save();
+
+    std::string big(10 * 1024 * 1024, 'a');
+    std::vector<std::pair<const wchar_t*, std::string>> bad = {
+        {L"text.xml", "this is not xml at all"},
+        {L"empty.xml", ""},
+        {L"binary.xml", std::string("\x00\x01\x02\xff\xfe\x10", 6)},
+        {L"other-root.xml", std::string(kHead) + "<其它根元素><给排水 name='给排水'/></其它根元素>"},
+        {L"head.xml", std::string("\x10\x00\x00\x00\x05\x00\x00\x00", 8) + kHead +
+                          "<自动套清单定额配置信息/>"},
+        {L"truncated.xml", std::string(kHead) + "<自动套清单定额配置信息><给排水 name='给"},
+    };
+    for (const auto& [name, bytes] : bad) {
+        CString path = host.dir.Write(name, bytes);
+        EXPECT_FALSE(store.ReLoad(path)) << ToUtf8(CString(name));
+        EXPECT_EQ(store.GetFilePath(), good);
+        EXPECT_EQ(ConfigCount(store, PathTo(2, 1, 101)), 2);
+        // A store opened on it starts from the defaults and writes nothing.
+        CXmlQdDeConfig fresh(path, L"给排水");
+        EXPECT_EQ(ConfigCount(fresh, PathTo(2, 1, 101)), 1);
+        EXPECT_EQ(host.dir.Read(path), bytes) << ToUtf8(CString(name));
+    }
+    EXPECT_TRUE(host.messages.Messages().empty());
+
+    CString large = host.dir.Write(L"large.xml", std::string(kHead) +
+                                                     "<自动套清单定额配置信息 Note='" + big +
+                                                     "'/>");
+    EXPECT_TRUE(store.ReLoad(large));
+    EXPECT_EQ(ConfigCount(store, PathTo(2, 1, 101)), 1);
+}
+
+TEST(XmlStore, SaveAsCopiesButStaysOnTheOpenFile) {
+    TestHost host;
+    Catalog(host);
+    CString file = host.dir.File(L"a.xml");
+    CString target = host.dir.File(L"b.xml");
+    host.dir.Write(L"a.xml", std::string(kHead) + "<自动套清单定额配置信息>"
+                                                  "<电气 id='3' name='电气'/></自动套清单定额配置信息>");
+    CXmlQdDeConfig store(file, L"给排水");
+    int id = 0;
+    store.AddConfig(PathTo(2, 1, 101), id);
+    ASSERT_TRUE(store.SaveAs(target));
+    EXPECT_EQ(store.GetFilePath(), file);
+    EXPECT_EQ(RootChildNames(target), (std::vector<std::string>{"电气", "给排水"}));
+    EXPECT_EQ(RootChildNames(file), std::vector<std::string>{"电气"}) << "not saved";
+
+    CXmlQdDeConfig copy(target, L"给排水");
+    EXPECT_EQ(ConfigCount(copy, PathTo(2, 1, 101)), 2);
+
+    store.AddConfig(PathTo(2, 1, 101), id);
+    ASSERT_TRUE(store.SaveAs(file)) << "its own name is a plain save";
+    EXPECT_EQ(RootChildNames(file), (std::vector<std::string>{"电气", "给排水"}));
+
+    EXPECT_FALSE(store.SaveAs(host.dir.File(L"no/such/folder/c.xml")));
+    ASSERT_EQ(host.messages.Messages().size(), 1u);
+    EXPECT_EQ(host.messages.Messages()[0].text, L"文件另存为出错,请稍候在试!");
+    EXPECT_EQ(store.GetFilePath(), file);
+}
+
+TEST(XmlStore, NewFileCopiesTheTemplate) {
+    TestHost host;
+    Catalog(host);
+    CXmlQdDeConfig store(host.dir.File(L"a.xml"), L"给排水");
+    CString made = host.dir.File(L"made.xml");
+    EXPECT_FALSE(store.NewFile(made)) << "no template and no file";
+    EXPECT_EQ(host.messages.Texts(), std::vector<CString>{L"文件不存在，请重新选择调用文件!"});
+
+    host.dir.Write(L"config/QdDeConfig.def",
+                   std::string(kHead) + "<自动套清单定额配置信息 Version='1.0.0'/>");
+    ASSERT_TRUE(store.NewFile(made));
+    EXPECT_EQ(store.GetFilePath(), made);
+    EXPECT_EQ(ConfigCount(store, PathTo(2, 2, 201)), 1);
+}
+
+TEST(XmlStore, LookupsMatchOnlyTheCurrentSpecialty) {
+    TestHost host;
+    Catalog(host);
+    CString file = host.dir.Write(L"n.xml", std::string(kHead) +
+                                                "<自动套清单定额配置信息><note/><!-- c -->"
+                                                "<给排水 id='2' name='给排水'/>"
+                                                "<给排水 id='2' name='第二个'/>"
+                                                "</自动套清单定额配置信息>");
+    CXmlQdDeConfig store(file, L"给排水");
+    EXPECT_NE(store.GetConfig(PathTo(2, 1, 101, 1)), nullptr);
+    EXPECT_EQ(store.GetConfig(PathTo(3, 1, 101, 1)), nullptr);
+    EXPECT_EQ(store.GetConfig(PathTo(2, 1, 999, 1)), nullptr);
+    EXPECT_EQ(store.GetConfig(CPath()), nullptr);
+    std::vector<ConfigNode*> untouched(2, nullptr);
+    EXPECT_FALSE(store.GetConfig(PathTo(3, 1, 101), untouched));
+    EXPECT_EQ(untouched.size(), 2u);
+
+    CXmlQdDeConfig power(file, L"电气");
+    EXPECT_EQ(power.GetConfig(PathTo(2, 1, 101, 1)), nullptr);
+    EXPECT_NE(power.GetConfig(PathTo(3, 1, 101, 1)), nullptr);
+}
