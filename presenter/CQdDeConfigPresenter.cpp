@@ -22,12 +22,27 @@ constexpr int kNameBufferSize = 100;
 
 CQdDeConfigPresenter::CQdDeConfigPresenter(const CString& file) {
     CString path = file.IsEmpty() ? ConfigFolder() + L"/" + GetCurConfig() + L".xml" : file;
-    m_pData = new CXmlQdDeConfig(path, CProj().GetCurrentSpec());
+    m_pData = std::make_shared<CXmlQdDeConfig>(path, CProj().GetCurrentSpec());
+    m_pAttr = std::make_shared<CAttrConfigStore>(CProj().GetCurrentSpec());
 }
 
 CQdDeConfigPresenter::~CQdDeConfigPresenter() {
-    delete m_pData;
-    m_pData = nullptr;
+    m_pData.reset();
+    m_pAttr.reset();
+}
+
+bool CQdDeConfigPresenter::GetAttConfig(const CString& first, const CString& second,
+                                        AttrConfig& out) {
+    return m_pAttr->GetAttConfig(first + second, out);
+}
+
+bool CQdDeConfigPresenter::SetAttConfig(const CString& first, const CString& second,
+                                        const AttrConfig& record) {
+    return m_pAttr->SetAttConfig(first + second, record);
+}
+
+bool CQdDeConfigPresenter::SaveAttConfig() {
+    return m_pAttr->Save();
 }
 
 CString CQdDeConfigPresenter::ConfigFolder() {

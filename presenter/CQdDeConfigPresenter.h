@@ -6,9 +6,11 @@
 #include "model/ConfigNode.h"
 #include "model/QdDeStructs.h"
 #include "platform/CString.h"
+#include "store/CAttrConfigStore.h"
 #include "store/IQdDeConfigData.h"
 
 #include <map>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -19,7 +21,8 @@ public:
     explicit CQdDeConfigPresenter(const CString& file = CString());
     ~CQdDeConfigPresenter();
     CQdDeConfigPresenter(const CQdDeConfigPresenter&) = delete;
-    CQdDeConfigPresenter& operator=(const CQdDeConfigPresenter&) = delete;
+    // The assigned presenter shares the other's stores.
+    CQdDeConfigPresenter& operator=(const CQdDeConfigPresenter&) = default;
 
     // The current configuration's name, read from the ini record each time.
     CString GetCurConfig();
@@ -55,8 +58,14 @@ public:
     bool ResetDeToConfig(const CPath& path, const DeStruct& de);
     bool ResetDeToQd(const CPath& path, const DeStruct& de);
 
+    // Attribute settings of the current specialty: `first` (the small category's path) and
+    // `second` (the attribute's display name) are joined into the record's key.
+    bool GetAttConfig(const CString& first, const CString& second, AttrConfig& out);
+    bool SetAttConfig(const CString& first, const CString& second, const AttrConfig& record);
+    bool SaveAttConfig();
+
     // The store, for tools that list the whole tree.
-    IQdDeConfigData* GetData() const { return m_pData; }
+    IQdDeConfigData* GetData() const { return m_pData.get(); }
 
 private:
     void SetCurConfig(const CString& name);
@@ -65,7 +74,9 @@ private:
     // Records the bare name of `file` (no folder, no extension) as the current configuration.
     void RecordCurrent(const CString& file);
 
-    IQdDeConfigData* m_pData = nullptr;
+    // Shared only between presenters assigned from one another.
+    std::shared_ptr<IQdDeConfigData> m_pData;
+    std::shared_ptr<CAttrConfigStore> m_pAttr;
 };
 
 // Makes `file` the current configuration. False, with "文件功能不匹配" in `error`, when the file

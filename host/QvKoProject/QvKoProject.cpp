@@ -95,6 +95,15 @@ int CProj::GetCurrentSpecId() const {
     return spec ? spec->id : 0;
 }
 
+bool CAtt::GetAllSpecNames(CStringArray& names) const {
+    const HostData* host = Host();
+    if (!host)
+        return false;
+    for (const auto& spec : host->catalog)
+        names.Add(spec.name);
+    return true;
+}
+
 bool CAtt::GetAllBigCategoryIdsBySpec(const SQvKoSpecId& spec,
                                       std::vector<SQvKoBigCategoryId>& ids) const {
     const HostData* host = Host();

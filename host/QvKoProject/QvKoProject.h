@@ -41,6 +41,8 @@ public:
 
 class CAtt {
 public:
+    // Every specialty of the catalog, in its order.
+    bool GetAllSpecNames(CStringArray& names) const;
     bool GetAllBigCategoryIdsBySpec(const SQvKoSpecId& spec,
                                     std::vector<SQvKoBigCategoryId>& ids) const;
     bool GetBigCategoryName(const SQvKoBigCategoryId& id, CString& name) const;
