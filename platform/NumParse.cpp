@@ -1,6 +1,8 @@
 #include "platform/NumParse.h"
 
+#include <charconv>
 #include <climits>
+#include <string>
 #include <cwchar>
 #include <cwctype>
 
@@ -61,7 +63,13 @@ double WToF(const CString& text) {
             number += exponent;
         }
     }
-    return std::wcstod(number.c_str(), nullptr);
+    // from_chars ignores the locale: a GUI that sets one must not read "3.5" as 3.
+    std::string narrow(number.begin(), number.end());
+    if (narrow[0] == '+')
+        narrow.erase(0, 1);
+    double value = 0.0;
+    std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
+    return value;
 }
 
 CString IntToText(int value) {
