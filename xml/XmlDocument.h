@@ -9,6 +9,7 @@
 #include <memory>
 #include <pugixml.hpp>
 #include <string>
+#include <string_view>
 
 // Node and element handles. pugixml uses one handle type for both; an element handle that
 // refers to a non-element node behaves as a null element (reads give "", writes raise).
@@ -27,11 +28,13 @@ public:
     // unreadable, not well-formed, no or several document elements) the document is left empty
     // and the result is false; LastError() says why.
     bool Load(const CString& path);
-    // Parses UTF-8 text (for tests and in-memory use); same rules as Load.
+    // Parses UTF-8 text (for tests and in-memory use); same rules as Load. The declaration's
+    // encoding is not applied to the text, but a legacy one still decides how Save writes.
     bool LoadString(const std::string& utf8);
-    // Writes the document indented, in the encoding it was read in (UTF-8 for a new document),
-    // replacing the file atomically. A character the encoding can't hold is written as a
-    // character reference. False when the file can't be written.
+    // Writes the document indented, in the encoding it was read in (UTF-8 for a new document,
+    // unless its declaration names a legacy one), replacing the file atomically. A character the
+    // encoding can't hold is written as a character reference. False when the file can't be
+    // written.
     bool Save(const CString& path) const;
     // The document serialised as UTF-8 (indented, declaration as held).
     std::string ToUtf8String() const;
@@ -46,6 +49,10 @@ public:
     const std::string& LastError() const { return m_lastError; }
 
 private:
+    // Parses text already decoded to UTF-8 and, on success, records how the file was encoded.
+    bool Parse(std::string_view utf8, TextEncoding encoding, const std::string& legacyName);
+    bool Fail(std::string message);
+
     pugi::xml_document m_doc;
     TextEncoding m_encoding = TextEncoding::Utf8;
     std::string m_legacyName; // iconv name when m_encoding is Legacy

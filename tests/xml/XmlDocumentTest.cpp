@@ -1,0 +1,180 @@
+#include "xml/XmlDocument.h"
+#include "platform/FileSystem.h"
+#include "support/TempDir.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string Utf16Le(std::u16string_view text) {
+    std::string bytes;
+    for (char16_t unit : text) {
+        bytes += static_cast<char>(unit & 0xFF);
+        bytes += static_cast<char>(unit >> 8);
+    }
+    return bytes;
+}
+
+std::string Swapped(std::string bytes) {
+    for (size_t i = 0; i + 1 < bytes.size(); i += 2)
+        std::swap(bytes[i], bytes[i + 1]);
+    return bytes;
+}
+
+size_t FilesIn(const CString& folder) {
+    size_t count = 0;
+    for ([[maybe_unused]] auto& entry : std::filesystem::directory_iterator(ToUtf8(folder)))
+        ++count;
+    return count;
+}
+
+} // namespace
+
+TEST(XmlDocumentTest, KeepsWhatADomKeeps) {
+    XmlDocument doc;
+    ASSERT_TRUE(doc.LoadString("<?xml version=\"1.0\"?>\n<root>\n  <!-- note -->\n"
+                               "  <?app run?>\n  <item/>\n  <![CDATA[a<b]]> &lt;&#x7ED9;\n</root>"))
+        << doc.LastError();
+    EXPECT_EQ(doc.Doc().first_child().type(), pugi::node_declaration);
+    XmlNode root = doc.DocumentElement();
+    ASSERT_STREQ(root.name(), "root");
+    std::vector<pugi::xml_node_type> types;
+    for (XmlNode child : root.children())
+        types.push_back(child.type());
+    EXPECT_EQ(types, (std::vector{pugi::node_comment, pugi::node_pi, pugi::node_element,
+                                  pugi::node_cdata, pugi::node_pcdata}));
+    EXPECT_STREQ(root.last_child().previous_sibling().value(), "a<b");
+    EXPECT_STREQ(root.last_child().value(), " <给\n");
+
+    const std::string text = doc.ToUtf8String();
+    EXPECT_TRUE(text.starts_with("<?xml version=\"1.0\"?>\n<root>\n  <!-- note -->\n")) << text;
+
+    XmlDocument bare;
+    ASSERT_TRUE(bare.LoadString("<root><a/></root>"));
+    EXPECT_EQ(bare.ToUtf8String(), "<root>\n  <a />\n</root>\n");
+}
+
+TEST(XmlDocumentTest, RefusesMalformedInputAndEmptiesTheDocument) {
+    TempDir dir;
+    const std::pair<const char*, std::string> cases[] = {
+        {"not XML", "hello world"},
+        {"empty", ""},
+        {"binary", std::string("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16)},
+        {"binary head", "\x01\x02\x7F<?xml version=\"1.0\"?><root/>"},
+        {"high binary head", "\xA3\xC7\x05<?xml version=\"1.0\"?><root/>"},
+        {"truncated", "<?xml version=\"1.0\"?><root><item a=\"1\"/>"},
+        {"truncated attribute", "<root><item a=\"1"},
+        {"two roots", "<root/><other/>"},
+        {"text after root", "<root/>tail"},
+        {"declaration not first", " <?xml version=\"1.0\"?><root/>"},
+        {"invalid UTF-8", "<root a=\"\xC3\x28\"/>"},
+        {"overlong UTF-8", "<root a=\"\xC0\xAF\"/>"},
+        {"control character", "<root>\x01</root>"},
+        {"odd UTF-16", "\xFF\xFE<\0r\0/\0>"},
+    };
+    XmlDocument doc;
+    for (const auto& [name, bytes] : cases) {
+        SCOPED_TRACE(name);
+        ASSERT_TRUE(doc.LoadString("<old a=\"1\"/>"));
+        EXPECT_FALSE(doc.Load(dir.Write(L"bad.xml", bytes)));
+        EXPECT_FALSE(doc.Doc().first_child());
+        EXPECT_FALSE(doc.LastError().empty());
+    }
+    EXPECT_FALSE(doc.Load(dir.File(L"missing.xml")));
+    EXPECT_NE(doc.LastError().find("missing.xml"), std::string::npos);
+
+    EXPECT_FALSE(doc.LoadString("<root/><other/>"));
+    EXPECT_NE(doc.LastError().find("several document elements"), std::string::npos);
+    EXPECT_FALSE(doc.LoadString("<root a=\"\xE7\xBB\"/>"));
+    EXPECT_NE(doc.LastError().find("UTF-8"), std::string::npos);
+    EXPECT_FALSE(doc.LoadString("<root><a></root>"));
+    EXPECT_NE(doc.LastError().find("offset"), std::string::npos);
+}
+
+TEST(XmlDocumentTest, LoadsTenMegabyteAttribute) {
+    TempDir dir;
+    const std::string value = std::string(10 * 1024 * 1024, 'x') + "给";
+    XmlDocument doc;
+    ASSERT_TRUE(doc.Load(dir.Write(L"big.xml", "<root v=\"" + value + "\"/>"))) << doc.LastError();
+    EXPECT_EQ(doc.DocumentElement().attribute("v").value(), value);
+}
+
+TEST(XmlDocumentTest, LegacyChineseFileRoundTrips) {
+    TempDir dir;
+    const CString path = dir.Write(L"gb.xml", "<?xml version=\"1.0\" encoding=\"gb2312\"?>\r\n"
+                                              "<root name=\"\xB8\xF8\xC5\xC5\xCB\xAE\"/>");
+    XmlDocument doc;
+    ASSERT_TRUE(doc.Load(path)) << doc.LastError();
+    EXPECT_EQ(doc.Encoding(), TextEncoding::Legacy);
+    EXPECT_EQ(doc.LegacyName(), "GB2312");
+    EXPECT_STREQ(doc.DocumentElement().attribute("name").value(), "给排水");
+
+    doc.DocumentElement().attribute("name").set_value("给水€😀");
+    ASSERT_TRUE(doc.Save(path));
+    const std::string bytes = dir.Read(path);
+    EXPECT_TRUE(bytes.starts_with("<?xml version=\"1.0\" encoding=\"gb2312\"?>\n<root")) << bytes;
+    EXPECT_NE(bytes.find("name=\"\xB8\xF8\xCB\xAE&#x20AC;&#x1F600;\""), std::string::npos);
+    EXPECT_EQ(bytes.find("\xE7\xBB\x99"), std::string::npos); // no UTF-8 left
+
+    XmlDocument again;
+    ASSERT_TRUE(again.Load(path)) << again.LastError();
+    EXPECT_EQ(again.Encoding(), TextEncoding::Legacy);
+    EXPECT_STREQ(again.DocumentElement().attribute("name").value(), "给水€😀");
+
+    // Text held in memory is written in the encoding its declaration names.
+    XmlDocument fromText;
+    ASSERT_TRUE(fromText.LoadString("<?xml version=\"1.0\" encoding=\"GBK\"?><root n=\"给\"/>"));
+    ASSERT_TRUE(fromText.Save(path));
+    EXPECT_NE(dir.Read(path).find("n=\"\xB8\xF8\""), std::string::npos);
+}
+
+TEST(XmlDocumentTest, UnicodeFilesKeepTheirByteOrderMarks) {
+    TempDir dir;
+    const std::string le = "\xFF\xFE" + Utf16Le(u"<?xml version=\"1.0\" encoding=\"UTF-16\"?>"
+                                                u"<root name=\"给\"/>");
+    struct Case {
+        std::string input;
+        TextEncoding encoding;
+        std::string written; // how the changed attribute must appear in the file
+    };
+    const Case cases[] = {
+        {le, TextEncoding::Utf16LeBom, Utf16Le(u"encoding=\"UTF-16\"?>\n<root name=\"排水😀\"")},
+        {Swapped(le), TextEncoding::Utf16BeBom, Swapped(Utf16Le(u"name=\"排水😀\""))},
+        {"\xEF\xBB\xBF<root name=\"给\"/>", TextEncoding::Utf8Bom, "name=\"排水😀\""},
+    };
+    for (const auto& [input, encoding, written] : cases) {
+        SCOPED_TRACE(static_cast<int>(encoding));
+        const CString path = dir.Write(L"u.xml", input);
+        XmlDocument doc;
+        ASSERT_TRUE(doc.Load(path)) << doc.LastError();
+        EXPECT_EQ(doc.Encoding(), encoding);
+        EXPECT_STREQ(doc.DocumentElement().attribute("name").value(), "给");
+        doc.DocumentElement().attribute("name").set_value("排水😀");
+        ASSERT_TRUE(doc.Save(path));
+
+        const std::string bytes = dir.Read(path);
+        EXPECT_EQ(bytes.substr(0, 2), input.substr(0, 2));
+        EXPECT_NE(bytes.find(written), std::string::npos);
+
+        XmlDocument again;
+        ASSERT_TRUE(again.Load(path)) << again.LastError();
+        EXPECT_EQ(again.Encoding(), encoding);
+        EXPECT_STREQ(again.DocumentElement().attribute("name").value(), "排水😀");
+    }
+}
+
+TEST(XmlDocumentTest, SaveReplacesTheFileWhole) {
+    TempDir dir;
+    const CString path = dir.Write(L"out.xml", std::string(4096, 'o'));
+    XmlDocument doc;
+    doc.Doc().append_child("root").append_attribute("a").set_value("1");
+    ASSERT_TRUE(doc.Save(path));
+    EXPECT_EQ(dir.Read(path), "<root a=\"1\" />\n"); // no declaration invented
+    EXPECT_EQ(FilesIn(dir.Path()), 1u);
+
+    const CString missing = dir.File(L"missing/out.xml");
+    EXPECT_FALSE(doc.Save(missing));
+    EXPECT_FALSE(PathExists(dir.File(L"missing")));
+    EXPECT_EQ(FilesIn(dir.Path()), 1u);
+}

@@ -1,0 +1,86 @@
+#include "xml/XmlVisitor.h"
+
+#include "platform/ComError.h"
+#include "platform/MessageBox.h"
+
+#include <new>
+
+namespace {
+
+bool IsElement(XmlNode node) {
+    return node.type() == pugi::node_element;
+}
+
+} // namespace
+
+XmlDocPtr XmlVisitor::CreateXmlDocPtr() {
+    try {
+        return std::make_shared<XmlDocument>();
+    } catch (const std::bad_alloc&) {
+        ShowWarning(L"无法创建DOMDocument对象，请检查是否安装了MS XML Parser 运行库!");
+        return nullptr;
+    }
+}
+
+XmlNode XmlVisitor::GetRootNode_C(const XmlDocPtr& doc, const CString& name) {
+    if (!doc)
+        throw ComError(E_POINTER, "no document");
+    XmlNode root = selectSingleNode(doc->Doc(), name);
+    if (root)
+        return root;
+    root = doc->Doc().append_child(ToUtf8(name).c_str());
+    if (!root)
+        throw ComError(E_OUTOFMEMORY, "can't create the document element");
+    return root;
+}
+
+XmlElement XmlVisitor::addChild(XmlElement parent, const CString& name) {
+    if (!IsElement(parent) && parent.type() != pugi::node_document)
+        throw ComError(E_POINTER, "no parent element");
+    XmlElement child = parent.append_child(ToUtf8(name).c_str());
+    if (!child)
+        throw ComError(E_OUTOFMEMORY, "can't create an element");
+    return child;
+}
+
+void XmlVisitor::addatt(XmlElement element, const CString& name, const CString& value) {
+    if (!IsElement(element))
+        throw ComError(E_POINTER, "no element");
+    const std::string key = ToUtf8(name);
+    // An existing attribute keeps its place; a new one goes last.
+    pugi::xml_attribute attribute = element.attribute(key.c_str());
+    if (!attribute)
+        attribute = element.append_attribute(key.c_str());
+    if (!attribute || !attribute.set_value(ToUtf8(value).c_str()))
+        throw ComError(E_OUTOFMEMORY, "can't set an attribute");
+}
+
+CString XmlVisitor::getNodeAttribute(XmlElement element, const CString& name) {
+    if (!IsElement(element))
+        return {};
+    return FromUtf8(element.attribute(ToUtf8(name).c_str()).value());
+}
+
+XmlNode XmlVisitor::selectSingleNode(XmlNode parent, const CString& name) {
+    const std::string wanted = ToUtf8(name);
+    for (XmlNode child : parent.children())
+        if (IsElement(child) && wanted == child.name())
+            return child;
+    return {};
+}
+
+CString XmlVisitor::nodeName(XmlNode node) {
+    // Nodes without a name of their own are called as a DOM calls them.
+    switch (node.type()) {
+    case pugi::node_document:
+        return L"#document";
+    case pugi::node_pcdata:
+        return L"#text";
+    case pugi::node_cdata:
+        return L"#cdata-section";
+    case pugi::node_comment:
+        return L"#comment";
+    default:
+        return FromUtf8(node.name());
+    }
+}
