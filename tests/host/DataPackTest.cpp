@@ -1,0 +1,526 @@
+#include "host/datapack/DataPack.h"
+#include "support/TempDir.h"
+
+#include <pugixml.hpp>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Sets or clears an environment variable for the scope, restoring the old value after.
+class EnvScope {
+public:
+    EnvScope(const char* name, const char* value) : m_name(name) {
+        if (const char* old = std::getenv(name))
+            m_old = old;
+        if (value)
+            ::setenv(name, value, 1);
+        else
+            ::unsetenv(name);
+    }
+    ~EnvScope() {
+        if (m_old)
+            ::setenv(m_name.c_str(), m_old->c_str(), 1);
+        else
+            ::unsetenv(m_name.c_str());
+    }
+    EnvScope(const EnvScope&) = delete;
+    EnvScope& operator=(const EnvScope&) = delete;
+
+private:
+    std::string m_name;
+    std::optional<std::string> m_old;
+};
+
+std::string U8(const CString& text) {
+    return ToUtf8(text);
+}
+
+std::string ReadAll(const CString& path) {
+    std::ifstream in(U8(path), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// Relative paths of the regular files under a folder.
+std::set<std::string> FilesUnder(const CString& folder) {
+    std::set<std::string> files;
+    fs::path root(U8(folder));
+    for (const auto& entry : fs::recursive_directory_iterator(root))
+        if (entry.is_regular_file())
+            files.insert(fs::relative(entry.path(), root).string());
+    return files;
+}
+
+const HostSmallCategory* FindByPath(const HostData& data, const CString& spec, const CString& large,
+                                    const CString& small) {
+    const HostSpecialty* s = data.FindSpec(spec);
+    if (!s)
+        return nullptr;
+    for (const auto& l : s->larges)
+        if (l.name == large)
+            for (const auto& c : l.smalls)
+                if (c.name == small)
+                    return &c;
+    return nullptr;
+}
+
+bool IsUpperCode(const CString& code) {
+    if (code.IsEmpty() || !(code[0] >= L'A' && code[0] <= L'Z'))
+        return false;
+    for (int i = 0; i < code.GetLength(); ++i)
+        if (!((code[i] >= L'A' && code[i] <= L'Z') || (code[i] >= L'0' && code[i] <= L'9')))
+            return false;
+    return true;
+}
+
+// The attribute code the bundled pack leaves out of AttributeInformation.xml on purpose, so
+// that the path of an unknown code is exercised (docs/data-pack.md says which).
+const CString kCodeWithoutType = L"FL";
+
+} // namespace
+
+TEST(DataPackTest, BundledPackHoldsItsInvariants) {
+    TempDir config;
+    HostData data;
+    CString error;
+    // A separate configuration folder: loading the bundled pack must not write into it.
+    ASSERT_TRUE(LoadDataPack({BundledPackDir(), L"", config.File(L"cfg")}, data, error))
+        << U8(error);
+
+    const std::vector<std::pair<int, std::string>> specs = {
+        {1, "建筑"}, {2, "给排水"}, {3, "电气"}, {4, "暖通"}, {5, "消防"}, {6, "弱电"}};
+    ASSERT_EQ(data.catalog.size(), specs.size());
+    std::set<int> allIds;
+    std::set<CString> usedCodes;
+    for (size_t i = 0; i < specs.size(); ++i) {
+        const HostSpecialty& spec = data.catalog[i];
+        EXPECT_EQ(spec.id, specs[i].first);
+        EXPECT_EQ(U8(spec.name), specs[i].second);
+        EXPECT_TRUE(allIds.insert(spec.id).second);
+        if (spec.id != 1) {
+            EXPECT_GE(spec.larges.size(), 4u) << specs[i].second;
+            EXPECT_LE(spec.larges.size(), 10u) << specs[i].second;
+        }
+        for (size_t l = 0; l < spec.larges.size(); ++l) {
+            const HostLargeCategory& large = spec.larges[l];
+            std::string where = specs[i].second + "\\" + U8(large.name);
+            EXPECT_EQ(large.id, spec.id * 100 + static_cast<int>(l) + 1) << where;
+            EXPECT_TRUE(allIds.insert(large.id).second) << where;
+            EXPECT_GE(large.smalls.size(), 2u) << where;
+            EXPECT_LE(large.smalls.size(), 10u) << where;
+            for (size_t s = 0; s < large.smalls.size(); ++s) {
+                const HostSmallCategory& small = large.smalls[s];
+                std::string path = where + "\\" + U8(small.name);
+                EXPECT_EQ(small.id, large.id * 100 + static_cast<int>(s) + 1) << path;
+                EXPECT_TRUE(allIds.insert(small.id).second) << path;
+                EXPECT_GE(small.attributes.size(), 4u) << path;
+                EXPECT_LE(small.attributes.size(), 12u) << path;
+                for (const auto& attr : small.attributes) {
+                    EXPECT_FALSE(attr.field.IsEmpty()) << path;
+                    EXPECT_FALSE(attr.name.IsEmpty()) << path;
+                    EXPECT_TRUE(IsUpperCode(attr.field)) << path << " " << U8(attr.field);
+                    EXPECT_TRUE(IsUpperCode(attr.code)) << path << " " << U8(attr.code);
+                    usedCodes.insert(attr.code);
+                    if (!attr.dropKey.IsEmpty()) {
+                        auto list = data.dropLists.find(attr.dropKey);
+                        ASSERT_NE(list, data.dropLists.end()) << path << " " << U8(attr.dropKey);
+                        EXPECT_GE(list->second.GetSize(), 2) << U8(attr.dropKey);
+                    }
+                }
+            }
+        }
+    }
+
+    // The categories other parts of the program single out by name.
+    const std::vector<std::vector<CString>> required = {
+        {L"暖通", L"风管", L"矩形风管"},         {L"暖通", L"风管", L"圆形风管"},
+        {L"暖通", L"风管", L"软风管"},           {L"电气", L"配电箱柜", L"配电箱柜"},
+        {L"电气", L"配电箱柜", L"元件装置"},     {L"电气", L"电缆桥架", L"桥架"},
+        {L"电气", L"电缆桥架", L"托盘"},         {L"电气", L"电缆桥架", L"组合式桥架"},
+        {L"弱电", L"箱柜", L"接线箱"},           {L"弱电", L"线槽桥架", L"线槽"},
+        {L"弱电", L"线槽桥架", L"桥架"},         {L"电气", L"配管配线", L"导线·导管"},
+        {L"弱电", L"弱电管线", L"弱电配管配线"}, {L"消防", L"消防管线", L"组合管线"},
+        {L"弱电", L"弱电管线", L"组合管线"}};
+    for (const auto& path : required)
+        EXPECT_NE(FindByPath(data, path[0], path[1], path[2]), nullptr)
+            << U8(path[0]) << "\\" << U8(path[1]) << "\\" << U8(path[2]);
+
+    // Pipe categories carry fittings; a box or a tray does not.
+    for (const auto& [spec, large] : std::vector<std::pair<CString, CString>>{
+             {L"给排水", L"管道"}, {L"消防", L"水灭火管道"}, {L"暖通", L"水管"}}) {
+        for (const auto& l : data.FindSpec(spec)->larges) {
+            if (l.name != large)
+                continue;
+            for (const auto& s : l.smalls)
+                EXPECT_NE(s.attType, 0) << U8(spec) << "\\" << U8(s.name);
+        }
+    }
+    EXPECT_EQ(FindByPath(data, L"电气", L"配电箱柜", L"配电箱柜")->attType, 0);
+    EXPECT_EQ(FindByPath(data, L"暖通", L"风管", L"矩形风管")->attType, 0);
+
+    // Every drop-down list is used by some attribute, and none is empty.
+    std::set<CString> usedKeys;
+    for (const auto& spec : data.catalog)
+        for (const auto& large : spec.larges)
+            for (const auto& small : large.smalls)
+                for (const auto& attr : small.attributes)
+                    usedKeys.insert(attr.dropKey);
+    for (const auto& [key, items] : data.dropLists)
+        EXPECT_TRUE(usedKeys.count(key)) << "unused list " << U8(key);
+
+    // AttributeInformation.xml types every used code but the one left out on purpose.
+    CString profile = BundledPackDir() + L"/profile";
+    pugi::xml_document info;
+    ASSERT_TRUE(info.load_file((U8(profile) + "/AttributeInformation.xml").c_str()));
+    EXPECT_STREQ(info.document_element().name(), "属性参数信息");
+    std::set<CString> typed;
+    for (pugi::xml_node node : info.document_element().children()) {
+        int type = node.attribute("type").as_int(0);
+        EXPECT_GE(type, 1) << node.name();
+        EXPECT_LE(type, 11) << node.name();
+        EXPECT_TRUE(usedCodes.count(FromUtf8(node.name()))) << "unused code " << node.name();
+        typed.insert(FromUtf8(node.name()));
+    }
+    std::vector<CString> untyped;
+    for (const auto& code : usedCodes)
+        if (!typed.count(code))
+            untyped.push_back(code);
+    ASSERT_EQ(untyped.size(), 1u);
+    EXPECT_EQ(U8(untyped.front()), U8(kCodeWithoutType));
+
+    // The template of a new configuration file: the root with its version, nothing inside.
+    pugi::xml_document def;
+    ASSERT_TRUE(def.load_file((U8(profile) + "/QdDeConfig.def").c_str(),
+                              pugi::parse_default | pugi::parse_declaration));
+    EXPECT_STREQ(def.first_child().attribute("encoding").value(), "UTF-8");
+    EXPECT_STREQ(def.document_element().name(), "自动套清单定额配置信息");
+    EXPECT_STREQ(def.document_element().attribute("Version").value(), "1.0.0");
+    EXPECT_TRUE(def.document_element().first_child().empty());
+
+    // The project, the profile and the version the catalog carries.
+    EXPECT_EQ(U8(data.project.currentSpec), "给排水");
+    EXPECT_EQ(data.project.mode, 0);
+    EXPECT_EQ(U8(data.project.path), U8(BundledPackDir()) + "/project/示例工程.kprj");
+    EXPECT_EQ(U8(data.project.bill.year), "2013");
+    for (const HostLibrary* library :
+         {&data.project.bill, &data.project.billQuota, &data.project.quota}) {
+        EXPECT_FALSE(library->fileName.IsEmpty());
+        EXPECT_FALSE(library->code.IsEmpty());
+        EXPECT_FALSE(library->local.IsEmpty());
+        EXPECT_FALSE(library->year.IsEmpty());
+    }
+    EXPECT_NE(data.project.billQuota.fileName, data.project.quota.fileName);
+    EXPECT_EQ(U8(data.profile.version), "1.0.0");
+    EXPECT_EQ(U8(data.profile.configPath), U8(config.File(L"cfg")));
+    EXPECT_FALSE(fs::exists(U8(BundledPackDir()) + "/project/SysRegedit.ini"));
+}
+
+TEST(DataPackTest, PerUserCopyIsMadeOnceAndThenLeftAlone) {
+    TempDir home;
+    {
+        // Where the copy goes: XDG_DATA_HOME when absolute, else under HOME.
+        EnvScope xdg("XDG_DATA_HOME", nullptr);
+        EnvScope homeVar("HOME", "/home/estimator");
+        EXPECT_EQ(U8(PerUserPackDir()), "/home/estimator/.local/share/koqdde/sample");
+        EnvScope relative("XDG_DATA_HOME", "relative/share");
+        EXPECT_EQ(U8(PerUserPackDir()), "/home/estimator/.local/share/koqdde/sample");
+    }
+    EnvScope xdg("XDG_DATA_HOME", U8(home.Path()).c_str());
+    CString copy = home.File(L"koqdde/sample");
+    EXPECT_EQ(U8(PerUserPackDir()), U8(copy));
+
+    HostData data;
+    CString error;
+    ASSERT_TRUE(LoadDataPack({}, data, error)) << U8(error);
+    EXPECT_EQ(FilesUnder(copy), FilesUnder(BundledPackDir()));
+    EXPECT_EQ(ReadAll(copy + L"/catalog.xml"), ReadAll(BundledPackDir() + L"/catalog.xml"));
+    EXPECT_EQ(U8(data.project.path), U8(copy) + "/project/示例工程.kprj");
+    EXPECT_EQ(U8(data.profile.configPath), U8(copy) + "/profile");
+    // Only the finished copy is left beside it.
+    std::vector<std::string> beside;
+    for (const auto& entry : fs::directory_iterator(U8(home.File(L"koqdde"))))
+        beside.push_back(entry.path().filename().string());
+    EXPECT_EQ(beside, std::vector<std::string>{"sample"});
+
+    // The user's edits to the copy survive the next run.
+    std::string catalog = ReadAll(copy + L"/catalog.xml");
+    size_t at = catalog.find("name=\"暖通\"");
+    ASSERT_NE(at, std::string::npos);
+    catalog.replace(at, std::string("name=\"暖通\"").size(), "name=\"暖通空调\"");
+    home.Write(L"koqdde/sample/catalog.xml", catalog);
+    home.Write(L"koqdde/sample/project/SysRegedit.ini", "[QdDeConfig]\n");
+
+    HostData again;
+    ASSERT_TRUE(LoadDataPack({}, again, error)) << U8(error);
+    EXPECT_NE(again.FindSpec(L"暖通空调"), nullptr);
+    EXPECT_EQ(again.FindSpec(L"暖通"), nullptr);
+    EXPECT_EQ(home.Read(L"koqdde/sample/project/SysRegedit.ini"), "[QdDeConfig]\n");
+
+    // No home at all: a clear refusal, not a copy into the working folder.
+    EnvScope noXdg("XDG_DATA_HOME", nullptr);
+    EnvScope noHome("HOME", nullptr);
+    EXPECT_TRUE(PerUserPackDir().IsEmpty());
+    EXPECT_FALSE(LoadDataPack({}, again, error));
+    EXPECT_NE(U8(error).find("HOME"), std::string::npos) << U8(error);
+}
+
+TEST(DataPackTest, ConfigurationFolderIsCreatedAndSeededOnlyWhenMissing) {
+    TempDir dir;
+    CString configDir = dir.File(L"配置/nested");
+    HostData data;
+    CString error;
+    ASSERT_TRUE(LoadDataPack({BundledPackDir(), L"", configDir}, data, error)) << U8(error);
+    EXPECT_EQ(U8(data.profile.configPath), U8(configDir));
+    EXPECT_EQ(FilesUnder(configDir), FilesUnder(BundledPackDir() + L"/profile"));
+    EXPECT_EQ(dir.Read(configDir + L"/QdDeConfig.def"),
+              ReadAll(BundledPackDir() + L"/profile/QdDeConfig.def"));
+    EXPECT_EQ(dir.Read(configDir + L"/AttributeInformation.xml"),
+              ReadAll(BundledPackDir() + L"/profile/AttributeInformation.xml"));
+
+    // An existing folder is the user's: nothing is added or replaced.
+    dir.Write(L"配置/nested/QdDeConfig.def", "edited");
+    fs::remove(U8(configDir) + "/AttributeInformation.xml");
+    ASSERT_TRUE(LoadDataPack({BundledPackDir(), L"", configDir}, data, error)) << U8(error);
+    EXPECT_EQ(dir.Read(configDir + L"/QdDeConfig.def"), "edited");
+    EXPECT_FALSE(fs::exists(U8(configDir) + "/AttributeInformation.xml"));
+
+    // Relative folders and files are handed on as absolute paths.
+    dir.Write(L"工程.kprj", ReadAll(BundledPackDir() + L"/project/示例工程.kprj"));
+    fs::path cwd = fs::current_path();
+    fs::current_path(U8(dir.Path()));
+    bool loaded = LoadDataPack({BundledPackDir(), L"工程.kprj", L"./rel/../cfg"}, data, error);
+    fs::current_path(cwd);
+    ASSERT_TRUE(loaded) << U8(error);
+    EXPECT_EQ(U8(data.profile.configPath), U8(dir.File(L"cfg")));
+    EXPECT_EQ(U8(data.project.path), U8(dir.File(L"工程.kprj")));
+    EXPECT_TRUE(fs::exists(U8(dir.File(L"cfg/QdDeConfig.def"))));
+
+    // A file where the folder should be.
+    dir.Write(L"plain", "x");
+    EXPECT_FALSE(LoadDataPack({BundledPackDir(), L"", dir.File(L"plain")}, data, error));
+    EXPECT_NE(U8(error).find(U8(dir.File(L"plain"))), std::string::npos) << U8(error);
+}
+
+namespace {
+
+const char* const kCatalog = R"xml(<?xml version="1.0" encoding="UTF-8"?>
+<catalog version="2.4.1">
+  <!-- two specialties -->
+  <spec id="2" name="给排水">
+    <large id="201" name="管道">
+      <small id="20101" name="给水管" attType="1">
+        <attr field="GDCZ" name="材质" drop="管道材质" code="CZ"/>
+        <attr field="GDGJ" name="管径(mm)" code="GJ"/>
+      </small>
+      <small id="20102" name="排水管">
+        <attr field="GDCZ" name="材质" drop="" code="CZ"/>
+      </small>
+    </large>
+  </spec>
+  <spec id="3" name="电气">
+    <large id="301" name="配电箱柜">
+      <small id="20101" name="配电箱柜" attType="0">
+        <attr field="KD" name="宽度(mm)" drop="" code="KD"/>
+      </small>
+    </large>
+  </spec>
+</catalog>
+)xml";
+
+const char* const kDropLists = R"xml(<?xml version="1.0" encoding="UTF-8"?>
+<droplists>
+  <list key="管道材质"><item>镀锌钢管</item><item>PP-R管</item><item>A&amp;B</item></list>
+  <list key="空表"/>
+</droplists>
+)xml";
+
+const char* const kProject = R"xml(<?xml version="1.0" encoding="UTF-8"?>
+<project name="小工程" spec="电气" mode="1">
+  <library role="quota" file="定额甲" code="{Q}" local="110000" year="2016"/>
+  <library role="bill" file="清单" code="{B}" local="000000" year="2013"/>
+  <library role="billQuota" file="定额乙" code="{BQ}" local="120000" year="2018"/>
+</project>
+)xml";
+
+// A small pack written file by file, so that each case can spoil one file.
+std::map<std::string, std::string> MiniPack() {
+    return {{"catalog.xml", kCatalog},
+            {"droplists.xml", kDropLists},
+            {"project/小工程.kprj", kProject},
+            {"profile/QdDeConfig.def", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                       "<自动套清单定额配置信息 Version=\"1.0.0\"/>\n"}};
+}
+
+void WritePack(const TempDir& dir, const std::map<std::string, std::string>& files) {
+    for (const auto& [name, bytes] : files)
+        dir.Write(L"pack/" + FromUtf8(name), bytes);
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    size_t at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    if (at != std::string::npos)
+        text.replace(at, from.size(), to);
+    return text;
+}
+
+} // namespace
+
+TEST(DataPackTest, SmallPackLoadsEveryField) {
+    TempDir dir;
+    WritePack(dir, MiniPack());
+    HostData data;
+    CString error;
+    ASSERT_TRUE(LoadDataPack({dir.File(L"pack"), L"", dir.File(L"cfg")}, data, error)) << U8(error);
+
+    ASSERT_EQ(data.catalog.size(), 2u);
+    EXPECT_EQ(U8(data.profile.version), "2.4.1");
+    const HostSmallCategory* water = data.FindSmall(2, 201, 20101);
+    ASSERT_NE(water, nullptr);
+    EXPECT_EQ(U8(water->name), "给水管");
+    EXPECT_EQ(water->attType, 1);
+    ASSERT_EQ(water->attributes.size(), 2u);
+    EXPECT_EQ(U8(water->attributes[0].field), "GDCZ");
+    EXPECT_EQ(U8(water->attributes[0].name), "材质");
+    EXPECT_EQ(U8(water->attributes[0].dropKey), "管道材质");
+    EXPECT_EQ(U8(water->attributes[0].code), "CZ");
+    EXPECT_EQ(U8(water->attributes[1].name), "管径(mm)");
+    EXPECT_TRUE(water->attributes[1].dropKey.IsEmpty());
+    EXPECT_EQ(U8(water->attributes[1].code), "GJ");
+    ASSERT_NE(data.FindSmall(2, 201, 20102), nullptr);
+    EXPECT_EQ(data.FindSmall(2, 201, 20102)->attType, 0);
+    // The same id under another parent is allowed; only siblings must differ.
+    ASSERT_NE(data.FindSmall(3, 301, 20101), nullptr);
+    EXPECT_EQ(U8(data.FindSmall(3, 301, 20101)->name), "配电箱柜");
+
+    ASSERT_EQ(data.dropLists.size(), 2u);
+    const CStringArray& materials = data.dropLists.at(L"管道材质");
+    ASSERT_EQ(materials.GetSize(), 3);
+    EXPECT_EQ(U8(materials[0]), "镀锌钢管");
+    EXPECT_EQ(U8(materials[2]), "A&B");
+    EXPECT_EQ(data.dropLists.at(L"空表").GetSize(), 0);
+
+    EXPECT_EQ(U8(data.project.path), U8(dir.File(L"pack/project/小工程.kprj")));
+    EXPECT_EQ(U8(data.project.currentSpec), "电气");
+    EXPECT_EQ(data.project.mode, 1);
+    EXPECT_EQ(U8(data.project.bill.fileName), "清单");
+    EXPECT_EQ(U8(data.project.bill.code), "{B}");
+    EXPECT_EQ(U8(data.project.bill.local), "000000");
+    EXPECT_EQ(U8(data.project.bill.year), "2013");
+    EXPECT_EQ(U8(data.project.billQuota.fileName), "定额乙");
+    EXPECT_EQ(U8(data.project.billQuota.local), "120000");
+    EXPECT_EQ(U8(data.project.quota.fileName), "定额甲");
+    EXPECT_EQ(U8(data.project.quota.code), "{Q}");
+    EXPECT_EQ(U8(data.project.quota.year), "2016");
+    EXPECT_EQ(U8(data.profile.configPath), U8(dir.File(L"cfg")));
+    EXPECT_EQ(dir.Read(L"cfg/QdDeConfig.def"), MiniPack().at("profile/QdDeConfig.def"));
+
+    // An explicit project file wins over the pack's own.
+    dir.Write(L"other.kprj", Replaced(kProject, "spec=\"电气\" mode=\"1\"", "spec=\"给排水\""));
+    ASSERT_TRUE(
+        LoadDataPack({dir.File(L"pack"), dir.File(L"other.kprj"), dir.File(L"cfg")}, data, error))
+        << U8(error);
+    EXPECT_EQ(U8(data.project.currentSpec), "给排水");
+    EXPECT_EQ(data.project.mode, 0);
+    EXPECT_EQ(U8(data.project.path), U8(dir.File(L"other.kprj")));
+}
+
+TEST(DataPackTest, FaultyPacksAreRefusedNamingTheFile) {
+    struct Case {
+        std::string what;
+        std::string file;    // the pack file to replace ("" keeps the pack as it is)
+        std::string content; // its new content; empty with remove set removes it
+        bool remove;
+        std::string named; // text the error must contain
+    };
+    const std::string catalog = kCatalog;
+    const std::vector<Case> cases = {
+        {"no catalog", "catalog.xml", "", true, "catalog.xml"},
+        {"unclosed element", "catalog.xml", Replaced(catalog, "</spec>\n  <spec", "\n  <spec"),
+         false, "catalog.xml: malformed XML at line"},
+        {"wrong root", "catalog.xml", "<catalogue/>", false, "catalog.xml"},
+        {"specialty without id", "catalog.xml", Replaced(catalog, "<spec id=\"3\"", "<spec"), false,
+         "catalog.xml"},
+        {"specialty with a bad id", "catalog.xml",
+         Replaced(catalog, "<spec id=\"3\"", "<spec id=\"3x\""), false, "catalog.xml"},
+        {"large category without name", "catalog.xml",
+         Replaced(catalog, " name=\"配电箱柜\">", ">"), false, "catalog.xml"},
+        {"small category without id", "catalog.xml", Replaced(catalog, "id=\"20102\" ", ""), false,
+         "catalog.xml"},
+        {"small category without name", "catalog.xml", Replaced(catalog, "name=\"排水管\"", ""),
+         false, "catalog.xml"},
+        {"sibling small ids repeat", "catalog.xml",
+         Replaced(catalog, "id=\"20102\"", "id=\"20101\""), false, "catalog.xml"},
+        {"sibling specialty ids repeat", "catalog.xml",
+         Replaced(catalog, "<spec id=\"3\"", "<spec id=\"2\""), false, "catalog.xml"},
+        {"attribute without code", "catalog.xml", Replaced(catalog, " code=\"GJ\"", ""), false,
+         "catalog.xml"},
+        {"misspelt element", "catalog.xml",
+         Replaced(catalog, "<attr field=\"KD\"", "<atr field=\"KD\""), false, "catalog.xml"},
+        {"drop key without a list", "catalog.xml",
+         Replaced(catalog, "drop=\"管道材质\"", "drop=\"阀门材质\""), false, "阀门材质"},
+        {"no drop lists", "droplists.xml", "", true, "droplists.xml"},
+        {"malformed drop lists", "droplists.xml", "<droplists><list key=\"a\"></droplists>", false,
+         "droplists.xml"},
+        {"project of another specialty", "project/小工程.kprj",
+         Replaced(kProject, "spec=\"电气\"", "spec=\"暖通\""), false, "小工程.kprj"},
+        {"project with an unknown library role", "project/小工程.kprj",
+         Replaced(kProject, "role=\"quota\"", "role=\"rules\""), false, "小工程.kprj"},
+        {"malformed project", "project/小工程.kprj", "<project spec=\"电气\">", false,
+         "小工程.kprj"},
+        {"no project file", "project/小工程.kprj", "", true, "no *.kprj"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        TempDir dir;
+        auto files = MiniPack();
+        if (c.remove)
+            files.erase(c.file);
+        else
+            files[c.file] = c.content;
+        WritePack(dir, files);
+        if (c.remove && c.file.starts_with("project/"))
+            fs::create_directories(U8(dir.File(L"pack/project")));
+
+        HostData data;
+        data.profile.version = L"untouched";
+        CString error;
+        EXPECT_FALSE(LoadDataPack({dir.File(L"pack"), L"", dir.File(L"cfg")}, data, error));
+        std::string text = U8(error);
+        EXPECT_NE(text.find(c.named), std::string::npos) << text;
+        EXPECT_EQ(text.find('\n'), std::string::npos) << text;
+        EXPECT_EQ(U8(data.profile.version), "untouched") << "a failed load leaves the data alone";
+    }
+
+    // Folders and explicit files that aren't there.
+    TempDir dir;
+    WritePack(dir, MiniPack());
+    HostData data;
+    CString error;
+    EXPECT_FALSE(LoadDataPack({dir.File(L"nowhere"), L"", L""}, data, error));
+    EXPECT_NE(U8(error).find(U8(dir.File(L"nowhere"))), std::string::npos) << U8(error);
+    EXPECT_FALSE(LoadDataPack({dir.File(L"pack"), dir.File(L"gone.kprj"), L""}, data, error));
+    EXPECT_NE(U8(error).find("gone.kprj"), std::string::npos) << U8(error);
+    // No configuration folder given and the pack has no profile folder to stand for it.
+    fs::remove_all(U8(dir.File(L"pack/profile")));
+    EXPECT_FALSE(LoadDataPack({dir.File(L"pack"), L"", L""}, data, error));
+    EXPECT_NE(U8(error).find("profile"), std::string::npos) << U8(error);
+
+    // The pieces report on their own.
+    EXPECT_FALSE(LoadCatalogFile(dir.File(L"pack/droplists.xml"), data, error));
+    EXPECT_NE(U8(error).find("droplists.xml"), std::string::npos) << U8(error);
+    HostData empty;
+    EXPECT_FALSE(LoadProjectFile(dir.File(L"pack/project/小工程.kprj"), empty, error))
+        << "no catalog loaded, so no specialty can match";
+}
