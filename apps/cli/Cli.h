@@ -7,7 +7,9 @@
 #include "presenter/CQdDeConfigPresenter.h"
 
 #include <functional>
+#include <map>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -61,6 +63,25 @@ struct CommandSpec {
 
 // Every command of the tool, in the order the help lists them.
 const std::vector<CommandSpec>& AllCommands();
+
+// Command arguments split into positionals, valued options and flags. Unknown options and
+// missing values are usage errors.
+struct ParsedArgs {
+    std::vector<std::string> positional;
+    std::map<std::string, std::string> values;
+    std::set<std::string> flags;
+    bool Has(const std::string& option) const {
+        return values.count(option) > 0 || flags.count(option) > 0;
+    }
+};
+ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::set<std::string>& valued,
+                     const std::set<std::string>& flags = {});
+// A node id: decimal digits only; UsageError otherwise.
+int ParseId(const std::string& text, const std::string& what);
+// Prints one small category's configurations (as `show` does).
+void PrintCategory(CliContext& ctx, const std::string& category);
+// Ends an edit: saves unless --dry-run, then reports. `ok` is the operation's answer.
+int FinishEdit(CliContext& ctx, bool ok, const std::string& category, int newId = 0);
 
 // Writes a line of text or the JSON document to standard output.
 void PrintLine(const std::string& text);

@@ -72,3 +72,39 @@ void PrintLine(const std::string& text) {
 CString Arg(const std::string& utf8) {
     return FromUtf8(utf8);
 }
+
+ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::set<std::string>& valued,
+                     const std::set<std::string>& flags) {
+    ParsedArgs parsed;
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
+        if (a.size() < 2 || a.rfind("--", 0) != 0) {
+            parsed.positional.push_back(a);
+            continue;
+        }
+        auto eq = a.find('=');
+        std::string key = a.substr(0, eq);
+        if (valued.count(key)) {
+            if (eq != std::string::npos)
+                parsed.values[key] = a.substr(eq + 1);
+            else if (i + 1 < args.size())
+                parsed.values[key] = args[++i];
+            else
+                throw UsageError(key + " needs a value");
+        } else if (flags.count(key) && eq == std::string::npos) {
+            parsed.flags.insert(key);
+        } else {
+            throw UsageError("unknown option " + key);
+        }
+    }
+    return parsed;
+}
+
+int ParseId(const std::string& text, const std::string& what) {
+    bool digits = !text.empty() && text.size() <= 9;
+    for (char c : text)
+        digits = digits && c >= '0' && c <= '9';
+    if (!digits)
+        throw UsageError(what + " must be a number, not \"" + text + "\"");
+    return std::stoi(text);
+}

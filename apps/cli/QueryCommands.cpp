@@ -140,11 +140,11 @@ int Tree(CliContext& ctx, const std::vector<std::string>& args) {
     return kExitTrue;
 }
 
-int Show(CliContext& ctx, const std::vector<std::string>& args) {
-    if (args.size() != 1)
-        throw UsageError("show takes one CATEGORY");
+} // namespace
+
+void PrintCategory(CliContext& ctx, const std::string& category) {
     const SMember* small = nullptr;
-    CPath path = ctx.ResolveCategory(Arg(args[0]), &small);
+    CPath path = ctx.ResolveCategory(Arg(category), &small);
     std::vector<ConfigNode*> configs;
     ctx.Presenter().GetConfig(path, configs);
     if (ctx.Options().json) {
@@ -152,7 +152,7 @@ int Show(CliContext& ctx, const std::vector<std::string>& args) {
         for (ConfigNode* config : configs)
             list.Push(ConfigDetail(*config));
         PrintLine(Json::MakeObject()
-                      .Set("category", Arg(args[0]))
+                      .Set("category", Arg(category))
                       .Set("spec", path.SpecId)
                       .Set("large", path.LMemberId)
                       .Set("small", path.SMemberId)
@@ -160,9 +160,9 @@ int Show(CliContext& ctx, const std::vector<std::string>& args) {
                       .Set("lastConfigId", small->GetLastConfigId())
                       .Set("configs", std::move(list))
                       .Dump());
-        return kExitTrue;
+        return;
     }
-    PrintLine(args[0] + " (" + std::to_string(path.SpecId) + "/" + std::to_string(path.LMemberId) +
+    PrintLine(category + " (" + std::to_string(path.SpecId) + "/" + std::to_string(path.LMemberId) +
               "/" + std::to_string(path.SMemberId) + "), " + std::to_string(configs.size()) +
               " configuration(s)");
     for (ConfigNode* config : configs) {
@@ -189,6 +189,14 @@ int Show(CliContext& ctx, const std::vector<std::string>& args) {
         for (DeNode* de : config->GetDe())
             PrintLine("  " + DeLine(*de));
     }
+}
+
+namespace {
+
+int Show(CliContext& ctx, const std::vector<std::string>& args) {
+    if (args.size() != 1)
+        throw UsageError("show takes one CATEGORY");
+    PrintCategory(ctx, args[0]);
     return kExitTrue;
 }
 

@@ -12,11 +12,13 @@
 
 std::vector<CommandSpec> QueryCommands();
 std::vector<CommandSpec> FileCommands();
+std::vector<CommandSpec> EditCommands();
+std::vector<CommandSpec> ToolCommands();
 
 const std::vector<CommandSpec>& AllCommands() {
     static const std::vector<CommandSpec> all = [] {
         std::vector<CommandSpec> list;
-        for (auto group : {QueryCommands, FileCommands})
+        for (auto group : {QueryCommands, FileCommands, EditCommands, ToolCommands})
             for (auto& command : group())
                 list.push_back(std::move(command));
         return list;
@@ -49,6 +51,7 @@ const char* const kGlobalHelp =
     "                    pack when missing)\n"
     "  --file FILE       configuration file to work on (default: the current configuration)\n"
     "  --json            machine-readable output\n"
+    "  --dry-run         edits: show the result without saving\n"
     "  --help            this text; COMMAND --help for a command's own\n"
     "\n"
     "Exit status: 0 the operation answered true, 1 it answered false, 2 usage error,\n"

@@ -60,7 +60,7 @@ TEST(ConditionNode, WritesAllEightFieldsInOrder) {
     EXPECT_EQ(xml.Serialised(out),
               "<condition id=\"3\" strCFType=\"管径\" bEqual=\"false\" strEqualoperator=\"\" "
               "strRangeoperator1=\"＞\" strRangeoperator2=\"≤\" strValue=\"\" strRange1=\"5\" "
-              "strRange2=\"10\" />");
+              "strRange2=\"10\"/>");
     ConditionNode back;
     back.ReadData(out);
     EXPECT_EQ(back.GetConditionString(), L"5＜管径≤10");

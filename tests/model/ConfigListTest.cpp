@@ -71,7 +71,9 @@ TEST(SMemberList, AddAndCopyGoInFrontOfTheLastEntry) {
     EXPECT_EQ(Ids(small), (std::vector<int>{2, 3, 1}));
     EXPECT_EQ(small.GetConfig(3)->GetParent(), &small);
 
-    small.GetConfig(2)->AddQd(QdStruct{L"031001001001"});
+    QdStruct bill;
+    bill.strQdId = L"031001001001";
+    small.GetConfig(2)->AddQd(bill);
     int copyId = -5;
     EXPECT_FALSE(small.AddConfigByCopy(77, copyId));
     EXPECT_EQ(copyId, -5);
@@ -143,5 +145,5 @@ TEST(SMemberWrite, WritesCounterAndConfigurations) {
     EXPECT_EQ(xml.Serialised(out),
               "<SMember id=\"20101\" name=\"给水管\" LastConfigId=\"1\"><Config>"
               "<Config id=\"1\" LastQdId=\"0\" LastConditionId=\"0\" bDefault=\"1\" "
-              "LastDeId=\"0\"><Condition /><Qd /><De /></Config></Config></SMember>");
+              "LastDeId=\"0\"><Condition/><Qd/><De/></Config></Config></SMember>");
 }

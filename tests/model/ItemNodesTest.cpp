@@ -58,7 +58,7 @@ TEST(QdNode, WithoutQuotaListReadsEmptyAndWritesOne) {
     EXPECT_EQ(xml.Serialised(out),
               "<qd id=\"1\" strQdId=\"\" strQdIdUser=\"\" strName=\"\" strUnit=\"\" "
               "strUnitCode=\"\" strtypeid=\"\" strQdCode=\"\" strFormula=\"\" strAnnex=\"\">"
-              "<De /></qd>");
+              "<De/></qd>");
 }
 
 TEST(QdNode, CloneKeepsIdsOrderAndReparentsQuotas) {
@@ -131,9 +131,8 @@ TEST(ConfigNode, WritesItsValuesAndThreeListsAlways) {
     config.SetId(2);
     XmlNode out = xml.NewElement("Config");
     config.WriteData(out);
-    EXPECT_EQ(xml.Serialised(out),
-              "<Config id=\"2\" LastQdId=\"0\" LastConditionId=\"0\" "
-              "bDefault=\"0\" LastDeId=\"0\"><Condition /><Qd /><De /></Config>");
+    EXPECT_EQ(xml.Serialised(out), "<Config id=\"2\" LastQdId=\"0\" LastConditionId=\"0\" "
+                                   "bDefault=\"0\" LastDeId=\"0\"><Condition/><Qd/><De/></Config>");
 
     config.SetDefault(true);
     config.AddCondition(ConditionNode(L"材质", true, L"＝", L"", L"", L"铜", L"", L""));

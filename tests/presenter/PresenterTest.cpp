@@ -66,7 +66,8 @@ TEST(PresenterFiles, RecordedNamesWithoutExtensionOrTooLong) {
     CQdDeConfigPresenter presenter(host.dir.File(L"start.xml"));
     EXPECT_EQ(presenter.GetData()->GetFilePath(), host.dir.File(L"start.xml"));
     ASSERT_TRUE(PathExists(host.dir.File(L"start.xml")));
-    EXPECT_FALSE(PathExists(host.ConfigDir() + L"/自动套配置")) << "an explicit file needs no folder";
+    EXPECT_FALSE(PathExists(host.ConfigDir() + L"/自动套配置"))
+        << "an explicit file needs no folder";
 
     CString bare = host.dir.Write(L"noextension", kValidFile);
     ASSERT_TRUE(presenter.ReLoad(bare));
@@ -91,9 +92,10 @@ TEST(PresenterFiles, RefreshReportsMismatchOnly) {
     CQdDeConfigPresenter current;
     EXPECT_EQ(current.GetCurConfig(), L"good");
 
-    CString headed =
-        host.dir.Write(L"headed.xml", std::string("\x01\x00\x00\x00\x04\x00\x00\x00abcd", 12) +
-                                          kValidFile);
+    CString headed = host.dir.Write(L"headed.xml", std::string("\x01\x00\x00\x00\x04\x00\x00\x00"
+                                                               "abcd",
+                                                               12) +
+                                                       kValidFile);
     EXPECT_FALSE(RefreshAutoConfig(error, headed));
     EXPECT_EQ(error, L"文件功能不匹配");
     EXPECT_TRUE(host.messages.Messages().empty());
@@ -128,8 +130,8 @@ TEST(PresenterEdits, ConditionArraysAreCheckedAndParsed) {
     EXPECT_EQ(conditions[1]->GetConditionString(), L"材质");
 
     path.ConditionId = 2;
-    ASSERT_TRUE(presenter.ResetCondition(
-        path, {L"管径", L"0", L"", L"＞", L"≤", L"", L"20", L"50"}));
+    ASSERT_TRUE(
+        presenter.ResetCondition(path, {L"管径", L"0", L"", L"＞", L"≤", L"", L"20", L"50"}));
     EXPECT_EQ(presenter.GetConfig(path)->GetConditionString(), L"材质＝镀锌钢管;20＜管径≤50;");
     EXPECT_FALSE(presenter.ResetCondition(path, seven));
 

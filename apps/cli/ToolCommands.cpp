@@ -1,0 +1,215 @@
+// attr, head: the attribute settings and the binary head of a configuration file.
+#include "Cli.h"
+#include "Json.h"
+
+#include "host/QvKoSettings/QvKoSettings.h"
+#include "model/Spec.h"
+#include "platform/FileSystem.h"
+#include "presenter/CAutoQdDeConfigFacade.h"
+#include "store/CAttrConfigStore.h"
+#include "store/FileHeadReader.h"
+
+#include <cstdio>
+
+namespace {
+
+Json RecordJson(const std::string& key, const AttrConfig& r) {
+    return Json::MakeObject()
+        .Set("key", key)
+        .Set("name", r.name)
+        .Set("namecode", r.namecode)
+        .Set("vartype", r.vartype)
+        .Set("compar", r.compar)
+        .Set("specrelation", r.specrelation);
+}
+
+void PrintRecord(CliContext& ctx, const std::string& key, const AttrConfig& r) {
+    if (ctx.Options().json) {
+        PrintLine(RecordJson(key, r).Dump());
+        return;
+    }
+    PrintLine(key + ": name=" + ToUtf8(r.name) + " namecode=" + ToUtf8(r.namecode) +
+              " vartype=" + std::to_string(r.vartype) + " compar=" + std::to_string(r.compar) +
+              " specrelation=" + std::to_string(r.specrelation));
+}
+
+// "专业\大类\小类" of a category argument, checked against the tree.
+CString CategoryText(CliContext& ctx, const std::string& category) {
+    CPath path = ctx.ResolveCategory(Arg(category));
+    const Spec& spec = ctx.Tree();
+    LMember* large = spec.GetLMember(path.LMemberId);
+    SMember* small = large->GetSMember(path.SMemberId);
+    return spec.GetSpecName() + L"\\" + large->GetName() + L"\\" + small->GetName();
+}
+
+int ParseSetting(const std::string& text, const std::string& option, int max) {
+    int value = ParseId(text, option);
+    if (value > max)
+        throw UsageError(option + " must be 0 to " + std::to_string(max));
+    return value;
+}
+
+int Attr(CliContext& ctx, const std::vector<std::string>& raw) {
+    ParsedArgs args = ParseArgs(raw, {"--vartype", "--compar", "--specrelation"});
+    std::string action = args.positional.empty() ? "" : args.positional[0];
+    if (action == "generate") {
+        if (args.positional.size() != 1 || !args.values.empty())
+            throw UsageError("usage: attr generate");
+        CAutoQdDeConfigFacade::AttrConfig();
+        CString file = JoinPath(QvKoSettings::GetAppProfile().GetConfigPath(), L"AttrConfig.xml");
+        if (ctx.Options().json)
+            PrintLine(Json::MakeObject().Set("ok", true).Set("file", file).Dump());
+        else
+            PrintLine(ToUtf8(file));
+        return kExitTrue;
+    }
+    if (action != "get" && action != "set")
+        throw UsageError("attr takes generate, get or set");
+    if (args.positional.size() != 3)
+        throw UsageError("usage: attr " + action + " CATEGORY ATTRIBUTE");
+    if (action == "get" && !args.values.empty())
+        throw UsageError("attr get takes no options");
+    CString first = CategoryText(ctx, args.positional[1]);
+    CString second = Arg(args.positional[2]);
+    std::string key = ToUtf8(first + second);
+    CQdDeConfigPresenter& p = ctx.Presenter();
+    AttrConfig record;
+    if (!p.GetAttConfig(first, second, record)) {
+        std::fprintf(stderr, "koqdde: no attribute setting for \"%s\" (attr generate makes them)\n",
+                     key.c_str());
+        return kExitFalse;
+    }
+    if (action == "set") {
+        if (args.values.empty())
+            throw UsageError("attr set needs --vartype, --compar or --specrelation");
+        if (args.Has("--vartype"))
+            record.vartype = ParseSetting(args.values.at("--vartype"), "--vartype", 2);
+        if (args.Has("--compar"))
+            record.compar = ParseSetting(args.values.at("--compar"), "--compar", 1);
+        if (args.Has("--specrelation"))
+            record.specrelation =
+                ParseSetting(args.values.at("--specrelation"), "--specrelation", 1);
+        if (!p.SetAttConfig(first, second, record))
+            return kExitFalse;
+        p.GetAttConfig(first, second, record);
+    }
+    PrintRecord(ctx, key, record);
+    return kExitTrue;
+}
+
+std::string TagName(std::uint32_t tag) {
+    switch (tag) {
+    case 1001:
+        return "kind";
+    case 1011:
+        return "version";
+    case 1002:
+        return "mode";
+    case 1003:
+        return "bill library";
+    case 1004:
+        return "quota library";
+    case 1000:
+        return "body";
+    default:
+        return "unknown";
+    }
+}
+
+std::string ReadOrFail(const std::string& file) {
+    std::optional<std::string> bytes = ReadFileBytes(Arg(file));
+    if (!bytes)
+        throw UsageError("cannot read \"" + file + "\"");
+    return *bytes;
+}
+
+int Head(CliContext& ctx, const std::vector<std::string>& raw) {
+    ParsedArgs args = ParseArgs(raw, {});
+    std::string action = args.positional.empty() ? "" : args.positional[0];
+    if (action == "write") {
+        if (args.positional.size() != 2)
+            throw UsageError("usage: head write FILE");
+        std::string before = ReadOrFail(args.positional[1]);
+        CAutoQdDeConfigFacade::WriteHead(Arg(args.positional[1]));
+        std::string after = ReadOrFail(args.positional[1]);
+        bool headed = after != before;
+        if (!headed)
+            std::fputs("koqdde: no configuration root in the file; nothing written\n", stderr);
+        if (ctx.Options().json)
+            PrintLine(Json::MakeObject().Set("ok", headed).Set("file", args.positional[1]).Dump());
+        return headed ? kExitTrue : kExitFalse;
+    }
+    if (action == "read") {
+        if (args.positional.size() != 2)
+            throw UsageError("usage: head read FILE");
+        std::vector<FileHeadRecord> records;
+        std::string error;
+        if (!ReadFileHead(ReadOrFail(args.positional[1]), records, error)) {
+            std::fprintf(stderr, "koqdde: %s\n", error.c_str());
+            return kExitFalse;
+        }
+        Json list = Json::MakeArray();
+        for (const auto& r : records) {
+            bool body = r.tag == 1000;
+            if (ctx.Options().json) {
+                Json item = Json::MakeObject()
+                                .Set("tag", static_cast<long long>(r.tag))
+                                .Set("name", TagName(r.tag))
+                                .Set("length", static_cast<long long>(r.payload.size()));
+                if (!body)
+                    item.Set("text", ToUtf8(FromUtf8(r.payload)));
+                list.Push(std::move(item));
+            } else {
+                PrintLine(std::to_string(r.tag) + " " + TagName(r.tag) + " (" +
+                          std::to_string(r.payload.size()) + " bytes)" +
+                          (body ? "" : ": " + ToUtf8(FromUtf8(r.payload))));
+            }
+        }
+        if (ctx.Options().json)
+            PrintLine(Json::MakeObject().Set("records", std::move(list)).Dump());
+        return kExitTrue;
+    }
+    if (action == "strip") {
+        if (args.positional.size() != 3)
+            throw UsageError("usage: head strip FILE OUT");
+        std::string body;
+        std::string error;
+        if (!ExtractHeadBody(ReadOrFail(args.positional[1]), body, error)) {
+            std::fprintf(stderr, "koqdde: %s\n", error.c_str());
+            return kExitFalse;
+        }
+        if (!WriteFileAtomically(Arg(args.positional[2]), body))
+            throw UsageError("cannot write \"" + args.positional[2] + "\"");
+        if (ctx.Options().json)
+            PrintLine(Json::MakeObject().Set("ok", true).Set("file", args.positional[2]).Dump());
+        return kExitTrue;
+    }
+    throw UsageError("head takes write, read or strip");
+}
+
+} // namespace
+
+std::vector<CommandSpec> ToolCommands() {
+    return {
+        {"attr", "generate | get CATEGORY ATTRIBUTE | set CATEGORY ATTRIBUTE [settings]",
+         "attribute settings (AttrConfig.xml)",
+         "generate builds AttrConfig.xml in the configuration folder from the project's\n"
+         "categories and AttributeInformation.xml. get prints one attribute's record of the\n"
+         "current specialty. set changes --vartype (0 drop-down, 1 drop-down or typed, 2 typed),\n"
+         "--compar (1 comparable) or --specrelation (0 depends on the material) for the rest\n"
+         "of this process only: the store keeps such changes in memory and never writes them,\n"
+         "so set just shows the record as it would be.\n\n"
+         "Examples:\n  koqdde attr generate\n  koqdde attr get '管道\\给水管' 材质\n"
+         "  koqdde attr set '管道\\给水管' 材质 --compar 1",
+         Attr},
+        {"head", "write FILE | read FILE | strip FILE OUT",
+         "the binary head of a configuration file",
+         "write stamps FILE's root with the project's mode and libraries and puts the binary\n"
+         "head ahead of it (the file then no longer opens as a configuration). read lists the\n"
+         "six records with tag, length and text. strip writes the XML body of a headed FILE to\n"
+         "OUT, so a headed file can be opened again.\n\n"
+         "Examples:\n  koqdde head write /tmp/发布.xml\n  koqdde head read /tmp/发布.xml\n"
+         "  koqdde head strip /tmp/发布.xml /tmp/恢复.xml",
+         Head},
+    };
+}

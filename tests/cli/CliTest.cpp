@@ -1,0 +1,239 @@
+// End-to-end runs of the koqdde tool on a temporary copy of the bundled data pack.
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+namespace {
+
+struct Result {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string Quote(const std::string& arg) {
+    std::string q = "'";
+    for (char c : arg)
+        q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return q + "'";
+}
+
+class Cli : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::filesystem::copy(std::string(KOQDDE_SOURCE_DIR) + "/data/sample", Path("pack"),
+                              std::filesystem::copy_options::recursive);
+    }
+
+    std::string Path(const std::string& name) const { return ToUtf8(dir.File(FromUtf8(name))); }
+    std::string Config() const { return Path("cfg.xml"); }
+    std::string Bytes(const std::string& file) const { return dir.Read(FromUtf8(file)); }
+
+    // Runs the tool with the pack and the configuration file of this test.
+    Result Run(const std::vector<std::string>& args, bool withFile = true) const {
+        std::string command = "XDG_DATA_HOME=" + Quote(Path("xdg")) + " " + Quote(KOQDDE_CLI_PATH) +
+                              " --data " + Quote(Path("pack"));
+        if (withFile)
+            command += " --file " + Quote(Config());
+        for (const auto& a : args)
+            command += " " + Quote(a);
+        command += " >" + Quote(Path("out.txt")) + " 2>" + Quote(Path("err.txt")) + " </dev/null";
+        int raw = std::system(command.c_str());
+        Result r;
+        r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        r.out = Bytes(Path("out.txt"));
+        r.err = Bytes(Path("err.txt"));
+        return r;
+    }
+
+    static bool Has(const std::string& text, const std::string& part) {
+        return text.find(part) != std::string::npos;
+    }
+
+    TempDir dir;
+};
+
+const std::string kPipe = "给排水\\管道\\给水管";
+
+} // namespace
+
+TEST_F(Cli, TreeAsJsonHasTheDocumentedShape) {
+    Result r = Run({"--json", "tree"});
+    ASSERT_EQ(r.status, 0) << r.err;
+    for (const char* part :
+         {"\"file\": ", "\"spec\": {", "\"id\": 2", "\"name\": \"给排水\"", "\"large\": [",
+          "\"name\": \"管道\"", "\"small\": [", "\"name\": \"给水管\"", "\"lastConfigId\": 1",
+          "\"configs\": [", "\"default\": true", "\"text\": \"其它\"", "\"lastConditionId\": 0",
+          "\"lastQdId\": 0", "\"lastDeId\": 0"})
+        EXPECT_TRUE(Has(r.out, part)) << part;
+    EXPECT_EQ(r.out.front(), '{');
+    EXPECT_TRUE(Has(r.out, Config()));
+
+    Result text = Run({"tree"});
+    EXPECT_EQ(text.status, 0);
+    EXPECT_TRUE(Has(text.out, "config 1 (default): 其它"));
+}
+
+TEST_F(Cli, ExitStatusesAndMessages) {
+    EXPECT_EQ(Run({}).status, 2);
+    Result help = Run({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_TRUE(Has(help.out, "Commands:"));
+    EXPECT_TRUE(Has(help.out, "condition"));
+    Result showHelp = Run({"show", "--help"});
+    EXPECT_EQ(showHelp.status, 0);
+    EXPECT_TRUE(Has(showHelp.out, "Example"));
+
+    Result unknown = Run({"frobnicate"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_TRUE(Has(unknown.err, "unknown command"));
+    Result category = Run({"show", "管道\\不存在"});
+    EXPECT_EQ(category.status, 2);
+    EXPECT_TRUE(Has(category.err, "unknown category"));
+    EXPECT_EQ(Run({"show", "电气\\配电箱柜\\配电箱柜"}).status, 2) << "another specialty";
+    EXPECT_EQ(Run({"show", "管道\\给水管"}).status, 0) << "the specialty may be left out";
+
+    Result missing = Run({"open", Path("missing.xml")});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_TRUE(Has(missing.err, "Quorvel: 文件不存在，请重新选择调用文件!"));
+
+    std::string junk = Path("junk.xml");
+    std::filesystem::copy_file(Path("pack/catalog.xml"), junk);
+    Result refresh = Run({"refresh", junk});
+    EXPECT_EQ(refresh.status, 1);
+    EXPECT_TRUE(Has(refresh.out, "文件功能不匹配"));
+
+    Result noPack = Run({"--data", Path("nowhere"), "tree"}, false);
+    EXPECT_EQ(noPack.status, 2);
+    EXPECT_TRUE(Has(noPack.err, "data pack"));
+}
+
+TEST_F(Cli, EditsAreSavedUnlessDryRunAndRefusalsChangeNothing) {
+    Result add = Run({"config", "add", kPipe});
+    ASSERT_EQ(add.status, 0) << add.err;
+    EXPECT_EQ(add.out, "2\n");
+    std::string saved = Bytes(Config());
+    EXPECT_TRUE(Has(saved, "LastConfigId=\"2\""));
+
+    Result dry = Run({"--dry-run", "config", "add", kPipe});
+    EXPECT_EQ(dry.status, 0);
+    EXPECT_TRUE(Has(dry.out, "3\n(dry run: nothing saved)"));
+    EXPECT_TRUE(Has(dry.out, "config 3"));
+    EXPECT_EQ(Bytes(Config()), saved);
+
+    // Refused input: exit 2, file untouched.
+    for (const std::vector<std::string>& bad :
+         {std::vector<std::string>{"config", "up", kPipe, "x"},
+          {"config", "delete", kPipe, "1"},
+          {"config", "copy", kPipe, "9"},
+          {"condition", "add", kPipe, "2", "--attr", "材质", "--eq", "a", "--gt", "1"},
+          {"condition", "add", kPipe, "2", "--eq", "a"},
+          {"condition", "add", kPipe, "2", "--strings", "a", "1", "＝"},
+          {"condition", "delete", kPipe, "2", "5"},
+          {"qd", "add", kPipe, "2", "--name", "无编号"},
+          {"qd", "add", kPipe, "2", "--number", "1", "--colour", "red"},
+          {"de", "add", kPipe, "2", "--qd", "4", "--number", "1"}}) {
+        Result r = Run(bad);
+        EXPECT_EQ(r.status, 2) << bad[0] << " " << bad[1] << ": " << r.err;
+        EXPECT_FALSE(r.err.empty());
+        EXPECT_EQ(Bytes(Config()), saved);
+    }
+    // An operation that answers false: exit 1, file untouched.
+    Result up = Run({"config", "up", kPipe, "2"});
+    EXPECT_EQ(up.status, 1);
+    EXPECT_EQ(Bytes(Config()), saved);
+}
+
+TEST_F(Cli, ConditionsBillsAndQuotasEndToEnd) {
+    ASSERT_EQ(Run({"config", "add", kPipe}).status, 0);
+    EXPECT_EQ(Run({"condition", "add", kPipe, "2", "--attr", "材质", "--eq", "镀锌钢管"}).out,
+              "1\n");
+    EXPECT_EQ(
+        Run({"condition", "add", kPipe, "2", "--attr", "管径(mm)", "--gt", "50", "--le", "100"})
+            .out,
+        "2\n");
+    EXPECT_EQ(Run({"condition", "add", kPipe, "2", "--strings", "安装部位", "0", "", "＞", "＜", "",
+                   "", "3"})
+                  .status,
+              0);
+    EXPECT_EQ(
+        Run({"condition", "reset", kPipe, "2", "3", "--attr", "安装部位", "--ne", "室外"}).status,
+        0);
+    EXPECT_EQ(Run({"qd", "add", kPipe, "2", "--number", "031001001001", "--name", "镀锌钢管",
+                   "--unit", "m", "--unit-code", "1"})
+                  .out,
+              "1\n");
+    EXPECT_EQ(Run({"de", "add", kPipe, "2", "--qd", "1", "--number", "10-1-12"}).out, "1\n");
+    EXPECT_EQ(Run({"de", "add", kPipe, "2", "--number", "10-9-1"}).out, "1\n");
+    EXPECT_EQ(Run({"qd", "reset", kPipe, "2", "1", "--formula", "L*1.02"}).status, 0);
+
+    Result show = Run({"--json", "show", kPipe});
+    ASSERT_EQ(show.status, 0) << show.err;
+    EXPECT_TRUE(Has(show.out, "\"text\": \"材质＝镀锌钢管;50＜管径(mm)≤100;安装部位≠室外;\""));
+    EXPECT_TRUE(Has(show.out, "\"strQdId\": \"031001001001\""));
+    EXPECT_TRUE(Has(show.out, "\"strName\": \"镀锌钢管\"")) << "reset kept the other fields";
+    EXPECT_TRUE(Has(show.out, "\"strFormula\": \"L*1.02\""));
+    EXPECT_TRUE(Has(show.out, "\"strDeId\": \"10-1-12\""));
+    EXPECT_TRUE(Has(show.out, "\"strDeId\": \"10-9-1\""));
+
+    EXPECT_EQ(Run({"de", "delete", kPipe, "2", "1", "--qd", "1"}).status, 0);
+    EXPECT_EQ(Run({"condition", "delete", kPipe, "2", "1"}).status, 0);
+    EXPECT_EQ(Run({"config", "copy", kPipe, "2"}).out, "3\n");
+    EXPECT_EQ(Run({"config", "down", kPipe, "2"}).status, 0);
+    Result after = Run({"show", kPipe});
+    EXPECT_TRUE(Has(after.out, "config 3: 50＜管径(mm)≤100;安装部位≠室外;\n"));
+    EXPECT_LT(after.out.find("config 3:"), after.out.find("config 2:"));
+    EXPECT_FALSE(Has(after.out, "10-1-12"));
+}
+
+TEST_F(Cli, HeadedFilesCanBeReadAndStripped) {
+    ASSERT_EQ(Run({"config", "add", kPipe}).status, 0);
+    std::string body = Bytes(Config());
+    Result write = Run({"head", "write", Config()});
+    ASSERT_EQ(write.status, 0) << write.err;
+    std::string headed = Bytes(Config());
+    ASSERT_GT(headed.size(), body.size());
+    EXPECT_EQ(headed.substr(0, 9), std::string("\xE9\x03\x00\x00\x01\x00\x00\x00"
+                                               "5",
+                                               9));
+
+    Result read = Run({"head", "read", Config()});
+    EXPECT_EQ(read.status, 0);
+    EXPECT_TRUE(Has(read.out, "1002 mode (12 bytes): 清单模式"));
+    EXPECT_TRUE(Has(read.out, "1003 bill library"));
+    EXPECT_TRUE(Has(read.out, ".mdb"));
+    Result json = Run({"--json", "head", "read", Config()});
+    EXPECT_TRUE(Has(json.out, "\"tag\": 1000"));
+
+    Result refresh = Run({"refresh", Config()});
+    EXPECT_EQ(refresh.status, 1);
+    EXPECT_TRUE(Has(refresh.out, "文件功能不匹配"));
+    EXPECT_EQ(Run({"head", "write", Config()}).status, 1) << "a headed file has no root";
+    EXPECT_EQ(Bytes(Config()), headed);
+
+    std::string out = Path("recovered.xml");
+    ASSERT_EQ(Run({"head", "strip", Config(), out}).status, 0);
+    Result open = Run({"open", out});
+    EXPECT_EQ(open.status, 0) << open.err;
+    EXPECT_EQ(Run({"head", "read", out}).status, 1);
+}
+
+TEST_F(Cli, AttributeSettings) {
+    Result before = Run({"attr", "get", kPipe, "材质"});
+    EXPECT_EQ(before.status, 1) << "nothing generated yet";
+    ASSERT_EQ(Run({"attr", "generate"}).status, 0);
+    Result get = Run({"attr", "get", "管道\\给水管", "材质"});
+    ASSERT_EQ(get.status, 0) << get.err;
+    EXPECT_TRUE(Has(get.out, "给排水\\管道\\给水管材质: name=材质 namecode=CZ vartype=1"));
+    Result set = Run({"attr", "set", kPipe, "材质", "--vartype", "2"});
+    EXPECT_EQ(set.status, 0);
+    EXPECT_TRUE(Has(set.out, "vartype=2"));
+    EXPECT_TRUE(Has(Run({"attr", "get", kPipe, "材质"}).out, "vartype=1")) << "not kept";
+    EXPECT_EQ(Run({"attr", "set", kPipe, "材质", "--vartype", "7"}).status, 2);
+}
