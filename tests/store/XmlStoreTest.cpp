@@ -287,3 +287,48 @@ TEST(XmlStore, LookupsMatchOnlyTheCurrentSpecialty) {
     EXPECT_EQ(power.GetConfig(PathTo(2, 1, 101, 1)), nullptr);
     EXPECT_NE(power.GetConfig(PathTo(3, 1, 101, 1)), nullptr);
 }
+
+TEST(XmlStore, SavesKeepTheFileEncodingAndDeclaration) {
+    TestHost host;
+    Catalog(host);
+    // "<?xml ... encoding="GB2312"?><自动套清单定额配置信息 Version="1"/>" in GB2312.
+    std::string gb = "<?xml version=\"1.0\" encoding=\"GB2312\"?>\n<"
+                     "\xD7\xD4\xB6\xAF\xCC\xD7\xC7\xE5\xB5\xA5\xB6\xA8\xB6\xEE\xC5\xE4\xD6\xC3"
+                     "\xD0\xC5\xCF\xA2 Version=\"1\"/>";
+    CString gbFile = host.dir.Write(L"gb.xml", gb);
+    {
+        CXmlQdDeConfig store(gbFile, L"给排水");
+        int id = 0;
+        ASSERT_TRUE(store.AddConfig(PathTo(2, 1, 101), id));
+        ASSERT_TRUE(store.Save());
+    }
+    std::string saved = host.dir.Read(gbFile);
+    EXPECT_EQ(saved.rfind("<?xml version=\"1.0\" encoding=\"GB2312\"?>", 0), 0u);
+    // "给排水" in GB2312, and no UTF-8 of it.
+    EXPECT_NE(saved.find("\xB8\xF8\xC5\xC5\xCB\xAE"), std::string::npos);
+    EXPECT_EQ(saved.find("给排水"), std::string::npos);
+    CXmlQdDeConfig gbAgain(gbFile, L"给排水");
+    EXPECT_EQ(ConfigCount(gbAgain, PathTo(2, 1, 101)), 2);
+
+    // The same document in UTF-16LE with a byte-order mark.
+    std::string utf8 = std::string(kHead) + "<自动套清单定额配置信息 Version=\"1\"/>";
+    std::string utf16 = "\xFF\xFE";
+    CString wide = FromUtf8(utf8);
+    for (int i = 0; i < wide.GetLength(); ++i) {
+        auto c = static_cast<unsigned>(wide[i]);
+        utf16 += static_cast<char>(c & 0xFF);
+        utf16 += static_cast<char>(c >> 8);
+    }
+    CString wideFile = host.dir.Write(L"wide.xml", utf16);
+    {
+        CXmlQdDeConfig store(wideFile, L"给排水");
+        int id = 0;
+        store.AddConfig(PathTo(2, 1, 101), id);
+        ASSERT_TRUE(store.Save());
+    }
+    std::string wideSaved = host.dir.Read(wideFile);
+    ASSERT_GE(wideSaved.size(), 4u);
+    EXPECT_EQ(wideSaved.substr(0, 4), std::string("\xFF\xFE<\0", 4));
+    CXmlQdDeConfig wideAgain(wideFile, L"给排水");
+    EXPECT_EQ(ConfigCount(wideAgain, PathTo(2, 1, 101)), 2);
+}
