@@ -55,6 +55,9 @@ std::string CFileHeadWriter::BuildHead(const std::string& body) {
 
 void CFileHeadWriter::WriteFileHead(const CString& path) {
     std::optional<std::string> body = ReadFileBytes(path);
+    // The file is opened with creation allowed: a missing one is an empty body.
+    if (!body && !PathExists(path))
+        body = std::string();
     if (!body)
         throw ComError(E_FAIL, "cannot read " + ToUtf8(path));
     if (!WriteFileAtomically(path, BuildHead(*body)))

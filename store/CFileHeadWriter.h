@@ -20,8 +20,8 @@ public:
         kTagVersion = 1011,
     };
 
-    // Replaces the file by the headed file, atomically. Raises ComError when the file can't be
-    // read or written.
+    // Replaces the file by the headed file, atomically. A missing file is taken as an empty
+    // body. Raises ComError when the file can't be read or written.
     void WriteFileHead(const CString& path);
 
     // The headed bytes for a body, with the texts of the installed project and profile.
