@@ -56,6 +56,9 @@ XmlNode XmlVisitor::GetRootNode_C(const XmlDocPtr& doc, const CString& name) {
     if (root)
         return root;
     CheckName(name);
+    // A document takes one document element only.
+    if (doc->DocumentElement())
+        throw ComError(E_FAIL, "the document already has another document element");
     root = doc->Doc().append_child(ToUtf8(name).c_str());
     if (!root)
         throw ComError(E_OUTOFMEMORY, "can't create the document element");

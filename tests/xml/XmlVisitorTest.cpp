@@ -82,6 +82,11 @@ TEST(XmlVisitorTest, RootNodeIsCreatedOnceThenFound) {
     EXPECT_EQ(XmlVisitor::getNodeAttribute(XmlVisitor::GetRootNode_C(loaded, L"Config"), L"id"),
               L"7");
     EXPECT_EQ(Raw(loaded->Doc()), "<?Config x?><Config id=\"7\"/>");
+
+    // Another document element can't be joined by a second one.
+    XmlDocPtr foreign = Parsed("<other/>");
+    EXPECT_EQ(ErrorOf([&] { XmlVisitor::GetRootNode_C(foreign, L"Config"); }), E_FAIL);
+    EXPECT_EQ(Raw(foreign->Doc()), "<other/>");
 }
 
 TEST(XmlVisitorTest, SelectsChildElementsByExactName) {
