@@ -80,12 +80,12 @@ bool ConfigNode::DelCondition(int id) {
 }
 
 bool ConfigNode::DelQd(const std::set<int>& ids) {
-    m_qd.RemoveIf([&](const QdNode& qd) { return ids.count(qd.GetId()) > 0; });
+    m_qd.RemoveIds(ids);
     return true;
 }
 
 bool ConfigNode::DelDe(const std::set<int>& ids) {
-    m_de.RemoveIf([&](const DeNode& de) { return ids.count(de.GetId()) > 0; });
+    m_de.RemoveIds(ids);
     return true;
 }
 

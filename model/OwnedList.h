@@ -56,6 +56,10 @@ public:
                                      [&](const std::unique_ptr<T>& item) { return pred(*item); }),
                       m_items.end());
     }
+    // Removes every node whose id is in the set, keeping the order of the rest.
+    template <class Ids> void RemoveIds(const Ids& ids) {
+        RemoveIf([&](const T& item) { return ids.count(item.GetId()) > 0; });
+    }
     void Swap(int a, int b) { std::swap(m_items.at(a), m_items.at(b)); }
     void Clear() { m_items.clear(); }
 

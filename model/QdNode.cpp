@@ -25,7 +25,7 @@ bool QdNode::ReSetDe(int id, const DeStruct& de) {
 }
 
 bool QdNode::DelDe(const std::set<int>& ids) {
-    m_de.RemoveIf([&](const DeNode& de) { return ids.count(de.GetId()) > 0; });
+    m_de.RemoveIds(ids);
     return true;
 }
 

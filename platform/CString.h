@@ -121,3 +121,8 @@ private:
 std::string ToUtf8(const CString& text);
 std::string ToUtf8(std::wstring_view text);
 CString FromUtf8(std::string_view text);
+// Appends one code point as UTF-8 (U+FFFD for a surrogate or a value past U+10FFFF).
+void AppendUtf8(std::string& out, char32_t c);
+// Length of the valid UTF-8 sequence at the start of `s`, with its code point in `cp`; 0 when
+// the bytes there are not valid UTF-8 (overlong forms and surrogates included).
+size_t DecodeUtf8(std::string_view s, char32_t& cp);

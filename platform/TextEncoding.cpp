@@ -34,53 +34,6 @@ bool EqualsNoCase(std::string_view a, std::string_view b) {
            });
 }
 
-void AppendUtf8(std::string& out, char32_t c) {
-    if (c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF))
-        c = 0xFFFD;
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | (c >> 12));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (c >> 18));
-        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-}
-
-// Length of the valid UTF-8 sequence at the start of `s` and its code point; 0 when the
-// bytes there are not valid UTF-8.
-size_t DecodeUtf8(std::string_view s, char32_t& cp) {
-    if (s.empty())
-        return 0;
-    auto b = static_cast<unsigned char>(s[0]);
-    size_t len = b < 0x80             ? 1
-                 : (b & 0xE0) == 0xC0 ? 2
-                 : (b & 0xF0) == 0xE0 ? 3
-                 : (b & 0xF8) == 0xF0 ? 4
-                                      : 0;
-    if (len == 0 || len > s.size())
-        return 0;
-    char32_t c = len == 1 ? b : b & (0x7F >> len);
-    for (size_t k = 1; k < len; ++k) {
-        auto cb = static_cast<unsigned char>(s[k]);
-        if ((cb & 0xC0) != 0x80)
-            return 0;
-        c = (c << 6) | (cb & 0x3F);
-    }
-    static constexpr char32_t kMin[] = {0, 0, 0x80, 0x800, 0x10000};
-    if (c < kMin[len] || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF))
-        return 0;
-    cp = c;
-    return len;
-}
-
 // Runs iconv over the whole input, growing the output as needed. On EILSEQ/EINVAL it stops
 // and leaves `in`/`inLeft` at the offending bytes; returns the errno (0 when all converted).
 int ConvertRun(iconv_t cd, char*& in, size_t& inLeft, std::string& out) {

@@ -78,6 +78,11 @@ ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::set<std::s
     ParsedArgs parsed;
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
+        if (a == "--") {
+            parsed.positional.insert(parsed.positional.end(),
+                                     args.begin() + static_cast<long>(i) + 1, args.end());
+            break;
+        }
         if (a.size() < 2 || a.rfind("--", 0) != 0) {
             parsed.positional.push_back(a);
             continue;

@@ -10,7 +10,8 @@ int Report(CliContext& ctx, bool ok, const CString& file) {
     return ok ? kExitTrue : kExitFalse;
 }
 
-CString OneFile(const std::vector<std::string>& args, const char* command) {
+CString OneFile(const std::vector<std::string>& raw, const char* command) {
+    std::vector<std::string> args = ParseArgs(raw, {}).positional;
     if (args.size() != 1 || args[0].empty())
         throw UsageError(std::string(command) + " takes one FILE");
     return Arg(args[0]);

@@ -193,7 +193,8 @@ void PrintCategory(CliContext& ctx, const std::string& category) {
 
 namespace {
 
-int Show(CliContext& ctx, const std::vector<std::string>& args) {
+int Show(CliContext& ctx, const std::vector<std::string>& raw) {
+    std::vector<std::string> args = ParseArgs(raw, {}).positional;
     if (args.size() != 1)
         throw UsageError("show takes one CATEGORY");
     PrintCategory(ctx, args[0]);

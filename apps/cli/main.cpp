@@ -3,6 +3,7 @@
 
 #include "host/datapack/DataPack.h"
 #include "platform/ComError.h"
+#include "platform/FileSystem.h"
 #include "platform/MessageBox.h"
 
 #include <clocale>
@@ -90,6 +91,7 @@ GlobalOptions ParseGlobals(std::vector<std::string>& args) {
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
         if (a == "--") {
+            // The command's own parser sees "--" too, so its operands may start with "--".
             rest.insert(rest.end(), args.begin() + static_cast<long>(i), args.end());
             break;
         }
@@ -123,6 +125,10 @@ int Run(std::vector<std::string> args) {
         PrintGlobalHelp();
         return options.help ? kExitTrue : kExitUsage;
     }
+    if (args.front() == "--")
+        args.erase(args.begin());
+    if (args.empty())
+        throw UsageError("no command after \"--\"");
     std::string name = args.front();
     args.erase(args.begin());
     const CommandSpec* command = nullptr;
@@ -142,7 +148,15 @@ int Run(std::vector<std::string> args) {
         throw UsageError("cannot load the data pack: " + ToUtf8(error));
     HostDataScope hostScope(&host);
     CliContext ctx(options);
-    return command->run(ctx, args);
+    // Opening a missing file creates it; a refused command must not leave one behind.
+    bool fileExisted = options.file.IsEmpty() || PathExists(options.file);
+    try {
+        return command->run(ctx, args);
+    } catch (const UsageError&) {
+        if (!fileExisted && PathExists(options.file))
+            std::remove(ToUtf8(options.file).c_str());
+        throw;
+    }
 }
 
 } // namespace

@@ -96,8 +96,10 @@ TEST_F(Cli, ExitStatusesAndMessages) {
     Result category = Run({"show", "管道\\不存在"});
     EXPECT_EQ(category.status, 2);
     EXPECT_TRUE(Has(category.err, "unknown category"));
+    EXPECT_FALSE(std::filesystem::exists(Config())) << "a refused command leaves no new file";
     EXPECT_EQ(Run({"show", "电气\\配电箱柜\\配电箱柜"}).status, 2) << "another specialty";
     EXPECT_EQ(Run({"show", "管道\\给水管"}).status, 0) << "the specialty may be left out";
+    EXPECT_EQ(Run({"--", "show", "--", "管道\\给水管"}).status, 0) << "\"--\" ends the options";
 
     Result missing = Run({"open", Path("missing.xml")});
     EXPECT_EQ(missing.status, 1);
