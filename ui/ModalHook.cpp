@@ -14,6 +14,10 @@ ModalHookScope::~ModalHookScope() {
     g_innermost = m_previous;
 }
 
+bool HasModalHook() {
+    return g_innermost && g_innermost->m_hook;
+}
+
 int RunModalHook(CDialog& dialog, bool* hooked) {
     ModalHookScope* scope = g_innermost;
     if (!scope || !scope->m_hook) {

@@ -25,11 +25,13 @@ public:
 
 private:
     friend int RunModalHook(CDialog& dialog, bool* hooked);
+    friend bool HasModalHook();
     ModalHook m_hook;
     ModalHookScope* m_previous;
     int m_calls = 0;
 };
 
+bool HasModalHook();
 // Runs the innermost hook; *hooked tells whether there was one.
 int RunModalHook(CDialog& dialog, bool* hooked);
 

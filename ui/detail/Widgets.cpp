@@ -1,0 +1,585 @@
+#include "ui/detail/Widgets.h"
+
+#include "ui/CComboBox.h"
+#include "ui/CListBox.h"
+#include "ui/QtString.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyleOptionFrame>
+#include <QToolTip>
+#include <QWheelEvent>
+
+#include <algorithm>
+
+// The combo box hooks are protected members of CComboBox; its widget reaches them here.
+class KoComboHooks {
+public:
+    static CComboBox* Of(QWidget* w) {
+        return dynamic_cast<CComboBox*>(CWnd::FromHandlePermanent(w));
+    }
+    static void BoxHover(QWidget* w, QPoint p) {
+        if (CComboBox* c = Of(w))
+            c->OnBoxMouseHover(CPoint(p.x(), p.y()));
+    }
+    static void BoxLeave(QWidget* w) {
+        if (CComboBox* c = Of(w))
+            c->OnBoxMouseLeave();
+    }
+    static void EditHover(QWidget* w, QPoint p) {
+        if (CComboBox* c = Of(w))
+            c->OnEditMouseHover(CPoint(p.x(), p.y()));
+    }
+    static void EditLeave(QWidget* w) {
+        if (CComboBox* c = Of(w))
+            c->OnEditMouseLeave();
+    }
+    static void ListMove(QWidget* w, int index, QPoint p) {
+        if (CComboBox* c = Of(w))
+            c->OnListMouseMove(index, CPoint(p.x(), p.y()));
+    }
+    static void ListLeave(QWidget* w) {
+        if (CComboBox* c = Of(w))
+            c->OnListMouseLeave();
+    }
+    static bool ListClick(QWidget* w, int index) {
+        CComboBox* c = Of(w);
+        return !c || c->OnListItemClick(index) != FALSE;
+    }
+    static void ListShown(QWidget* w) {
+        if (CComboBox* c = Of(w))
+            c->OnListShown();
+    }
+    static void AfterWheel(QWidget* w, int delta) {
+        if (CComboBox* c = Of(w))
+            c->OnAfterMouseWheel(delta);
+    }
+};
+
+namespace koqdde::ui {
+
+namespace {
+constexpr const char* kProgramProperty = "koqdde_program";
+std::vector<QPointer<QWidget>> g_runningDialogs;
+} // namespace
+
+ProgramScope::ProgramScope(QWidget* widget) : m_widget(widget) {
+    if (widget)
+        widget->setProperty(kProgramProperty, widget->property(kProgramProperty).toInt() + 1);
+}
+
+ProgramScope::~ProgramScope() {
+    if (m_widget)
+        m_widget->setProperty(kProgramProperty, m_widget->property(kProgramProperty).toInt() - 1);
+}
+
+bool InProgramChange(const QWidget* widget) {
+    return widget && widget->property(kProgramProperty).toInt() > 0;
+}
+
+bool IsShownAsWindows(const QWidget* widget) {
+    for (const QWidget* w = widget; w; w = w->parentWidget()) {
+        if (w->isWindow())
+            return w->isVisible() || w->property("koqdde_shown").toBool();
+        if (w->isHidden())
+            return false;
+    }
+    return false;
+}
+
+QString StripMnemonic(const QString& text) {
+    QString out;
+    out.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'&') {
+            if (i + 1 < text.size() && text[i + 1] == u'&') {
+                out += u'&';
+                ++i;
+            }
+            continue;
+        }
+        out += text[i];
+    }
+    return out;
+}
+
+void SetWidgetText(QWidget* widget, const CString& text) {
+    const QString q = ToQString(text);
+    ProgramScope program(widget);
+    if (auto* label = dynamic_cast<KoStatic*>(widget)) {
+        label->rawText = q;
+        label->setText(StripMnemonic(q));
+    } else if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+        button->setText(q);
+    } else if (auto* group = qobject_cast<QGroupBox*>(widget)) {
+        group->setTitle(StripMnemonic(q));
+    } else if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
+        edit->setText(q);
+    } else if (auto* combo = qobject_cast<QComboBox*>(widget)) {
+        if (combo->isEditable())
+            combo->setEditText(q);
+        else if (const int i = combo->findText(q, Qt::MatchFixedString); i >= 0)
+            combo->setCurrentIndex(i);
+    } else if (auto* plain = qobject_cast<QLabel*>(widget)) {
+        plain->setText(q);
+    } else {
+        widget->setWindowTitle(q);
+    }
+}
+
+CString WidgetText(const QWidget* widget) {
+    if (auto* label = dynamic_cast<const KoStatic*>(widget))
+        return FromQString(label->rawText);
+    if (auto* button = qobject_cast<const QAbstractButton*>(widget))
+        return FromQString(button->text());
+    if (auto* group = qobject_cast<const QGroupBox*>(widget))
+        return FromQString(group->title());
+    if (auto* edit = qobject_cast<const QLineEdit*>(widget))
+        return FromQString(edit->text());
+    if (auto* combo = qobject_cast<const QComboBox*>(widget))
+        return FromQString(combo->currentText());
+    if (auto* plain = qobject_cast<const QLabel*>(widget))
+        return FromQString(plain->text());
+    return FromQString(widget->windowTitle());
+}
+
+void PushRunningDialog(QWidget* dialog) {
+    g_runningDialogs.emplace_back(dialog);
+}
+
+void PopRunningDialog(QWidget* dialog) {
+    auto it = std::find(g_runningDialogs.begin(), g_runningDialogs.end(), dialog);
+    if (it != g_runningDialogs.end())
+        g_runningDialogs.erase(it);
+    std::erase_if(g_runningDialogs, [](const QPointer<QWidget>& p) { return p.isNull(); });
+}
+
+QWidget* FocusWidget() {
+    if (QWidget* w = QApplication::focusWidget())
+        return w;
+    for (auto it = g_runningDialogs.rbegin(); it != g_runningDialogs.rend(); ++it) {
+        if (*it)
+            return (*it)->focusWidget();
+    }
+    return nullptr;
+}
+
+namespace {
+template <typename TextAt> int SortedIndex(int count, TextAt textAt, const CString& text) {
+    // Binary search for the first entry that sorts after the text.
+    int lo = 0, hi = count;
+    while (lo < hi) {
+        const int mid = (lo + hi) / 2;
+        if (CompareItemTexts(textAt(mid), text) <= 0)
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
+    return lo;
+}
+} // namespace
+
+int AddStringIndex(const KoListBox* list, const CString& text) {
+    if (!list->sorted)
+        return list->count();
+    return SortedIndex(
+        list->count(), [list](int i) { return FromQString(list->item(i)->text()); }, text);
+}
+
+int AddStringIndex(const KoComboBox* combo, const CString& text) {
+    if (!combo->sorted)
+        return combo->count();
+    return SortedIndex(
+        combo->count(), [combo](int i) { return FromQString(combo->itemText(i)); }, text);
+}
+
+// --- dialog -------------------------------------------------------------------------------
+
+KoDialog::KoDialog(QWidget* parent) : QDialog(parent) {
+    setSizeGripEnabled(false);
+}
+
+void KoDialog::reject() {
+    // Esc: the dialog's Cancel command, as the dialog manager sends it.
+    if (CWnd* wnd = CWnd::FromHandlePermanent(this))
+        wnd->SendMessage(WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
+    else
+        QDialog::reject();
+}
+
+void KoDialog::closeEvent(QCloseEvent* event) {
+    // The close box: WM_CLOSE; the dialog goes only through EndDialog.
+    if (CWnd* wnd = CWnd::FromHandlePermanent(this)) {
+        event->ignore();
+        wnd->SendMessage(WM_CLOSE, 0, 0);
+        return;
+    }
+    QDialog::closeEvent(event);
+}
+
+// --- static -------------------------------------------------------------------------------
+
+void KoStatic::mouseReleaseEvent(QMouseEvent* event) {
+    QLabel::mouseReleaseEvent(event);
+    if (notify && event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
+        SendCommandToParent(this, STN_CLICKED);
+}
+
+// --- list box -----------------------------------------------------------------------------
+
+KoListBox::KoListBox(QWidget* parent) : QListWidget(parent) {
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setUniformItemSizes(true);
+    connect(this, &QListWidget::itemSelectionChanged, this, [this] {
+        if (notify && !InProgramChange(this))
+            SendCommandToParent(this, LBN_SELCHANGE);
+    });
+    connect(this, &QListWidget::itemDoubleClicked, this, [this](QListWidgetItem*) {
+        if (notify && !InProgramChange(this))
+            SendCommandToParent(this, LBN_DBLCLK);
+    });
+}
+
+CString KoListBox::TipAt(QPoint point) {
+    auto* list = dynamic_cast<CListBox*>(CWnd::FromHandlePermanent(this));
+    if (!list || !tips)
+        return CString();
+    TOOLINFO info;
+    info.hwnd = list;
+    const LPARAM id = list->OnToolHitTest(CPoint(point.x(), point.y()), &info);
+    if (id < 0)
+        return CString();
+    if (!info.textCallback)
+        return info.text;
+    CString text;
+    return list->OnToolTipText(info.uId, text) ? text : CString();
+}
+
+bool KoListBox::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        auto* help = static_cast<QHelpEvent*>(event);
+        const CString text = TipAt(help->pos());
+        if (text.IsEmpty())
+            QToolTip::hideText();
+        else
+            QToolTip::showText(help->globalPos(), ToQString(text), viewport());
+        return true;
+    }
+    return QListWidget::viewportEvent(event);
+}
+
+// --- combo box ----------------------------------------------------------------------------
+
+KoComboBox::KoComboBox(QWidget* parent, bool editable) : QComboBox(parent) {
+    setEditable(editable);
+    setMaxVisibleItems(30);
+    if (editable) {
+        // A Windows drop-down neither completes nor adds what is typed.
+        setInsertPolicy(QComboBox::NoInsert);
+        setCompleter(nullptr);
+        lineEdit()->installEventFilter(this);
+        connect(lineEdit(), &QLineEdit::textEdited, this, [this] {
+            if (!InProgramChange(this))
+                SendCommandToParent(this, CBN_EDITCHANGE);
+        });
+    }
+    view()->viewport()->installEventFilter(this);
+    view()->viewport()->setMouseTracking(true);
+    connect(this, &QComboBox::activated, this, [this] {
+        if (!InProgramChange(this))
+            SendCommandToParent(this, CBN_SELCHANGE);
+    });
+}
+
+void KoComboBox::showPopup() {
+    if (dropped)
+        return;
+    if (!InProgramChange(this))
+        SendCommandToParent(this, CBN_DROPDOWN);
+    dropped = true;
+    QComboBox::showPopup();
+    KoComboHooks::ListShown(this);
+}
+
+void KoComboBox::hidePopup() {
+    QComboBox::hidePopup();
+    if (!dropped)
+        return;
+    dropped = false;
+    if (!InProgramChange(this))
+        SendCommandToParent(this, CBN_CLOSEUP);
+}
+
+void KoComboBox::ListMouseMove(QPoint pos) {
+    const QModelIndex index = view()->indexAt(pos);
+    KoComboHooks::ListMove(this, index.isValid() ? index.row() : -1, pos);
+}
+
+void KoComboBox::ListLeave() {
+    KoComboHooks::ListLeave(this);
+}
+
+bool KoComboBox::ListClickAllowed(int index) {
+    return KoComboHooks::ListClick(this, index);
+}
+
+bool KoComboBox::UserChoose(int index) {
+    if (!isEnabled() || index < 0 || index >= count())
+        return false;
+    showPopup();
+    if (!ListClickAllowed(index))
+        return false;
+    {
+        ProgramScope program(this);
+        setCurrentIndex(index);
+    }
+    hidePopup();
+    emit activated(index);
+    return true;
+}
+
+bool KoComboBox::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == view()->viewport()) {
+        switch (event->type()) {
+        case QEvent::MouseMove:
+            ListMouseMove(static_cast<QMouseEvent*>(event)->position().toPoint());
+            break;
+        case QEvent::Leave:
+            ListLeave();
+            break;
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick: {
+            const QModelIndex index =
+                view()->indexAt(static_cast<QMouseEvent*>(event)->position().toPoint());
+            if (index.isValid() && !ListClickAllowed(index.row()))
+                return true;
+            break;
+        }
+        default:
+            break;
+        }
+    } else if (isEditable() && watched == lineEdit()) {
+        if (event->type() == QEvent::ToolTip) {
+            KoComboHooks::EditHover(this, static_cast<QHelpEvent*>(event)->pos());
+            return true;
+        }
+        if (event->type() == QEvent::Leave)
+            KoComboHooks::EditLeave(this);
+    }
+    return QComboBox::eventFilter(watched, event);
+}
+
+bool KoComboBox::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        KoComboHooks::BoxHover(this, static_cast<QHelpEvent*>(event)->pos());
+        return true;
+    }
+    if (event->type() == QEvent::Leave)
+        KoComboHooks::BoxLeave(this);
+    return QComboBox::event(event);
+}
+
+void KoComboBox::wheelEvent(QWheelEvent* event) {
+    QComboBox::wheelEvent(event);
+    KoComboHooks::AfterWheel(this, event->angleDelta().y());
+}
+
+// --- tab ----------------------------------------------------------------------------------
+
+KoTabCtrl::KoTabCtrl(QWidget* parent) : QWidget(parent), bar(new QTabBar(this)) {
+    bar->setDrawBase(false);
+    bar->setExpanding(false);
+    bar->setUsesScrollButtons(true);
+    connect(bar, &QTabBar::currentChanged, this, [this](int index) {
+        if (InProgramChange(this)) {
+            lastIndex = index;
+            return;
+        }
+        // A user's change: ask first with the old tab still current, then move.
+        const int old = lastIndex;
+        {
+            ProgramScope program(this);
+            bar->setCurrentIndex(old);
+        }
+        NMHDR changing;
+        changing.code = static_cast<UINT>(TCN_SELCHANGING);
+        if (SendNotifyToParent(this, &changing) != 0)
+            return;
+        {
+            ProgramScope program(this);
+            bar->setCurrentIndex(index);
+        }
+        NMHDR changed;
+        changed.code = static_cast<UINT>(TCN_SELCHANGE);
+        SendNotifyToParent(this, &changed);
+    });
+}
+
+void KoTabCtrl::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    bar->setGeometry(0, 0, width(), bar->sizeHint().height());
+}
+
+void KoTabCtrl::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    QStyleOptionFrame option;
+    option.initFrom(this);
+    option.rect =
+        QRect(0, bar->sizeHint().height() - 1, width(), height() - bar->sizeHint().height() + 1);
+    option.frameShape = QFrame::StyledPanel;
+    option.lineWidth = 1;
+    style()->drawPrimitive(QStyle::PE_FrameTabWidget, &option, &painter, this);
+}
+
+// --- tree ---------------------------------------------------------------------------------
+
+KoTreeView::KoTreeView(QWidget* parent) : QTreeWidget(parent) {
+    setHeaderHidden(true);
+    setColumnCount(1);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    connect(this, &QTreeWidget::currentItemChanged, this,
+            [this](QTreeWidgetItem* current, QTreeWidgetItem* previous) {
+                if (InProgramChange(this))
+                    return;
+                // Put the old item back while the parent is asked, then move with the notices.
+                {
+                    ProgramScope program(this);
+                    setCurrentItem(previous);
+                    if (!previous)
+                        clearSelection();
+                }
+                MoveSelection(current, TVC_BYMOUSE);
+            });
+}
+
+bool KoTreeView::MoveSelection(QTreeWidgetItem* item, UINT action) {
+    QTreeWidgetItem* old = currentItem();
+    if (old == item)
+        return true;
+    const QPersistentModelIndex target(item ? indexFromItem(item) : QModelIndex());
+    NMTREEVIEW changing;
+    changing.hdr.code = static_cast<UINT>(TVN_SELCHANGING);
+    changing.action = action;
+    changing.itemOld = reinterpret_cast<HTREEITEM>(old);
+    changing.itemNew = reinterpret_cast<HTREEITEM>(item);
+    if (SendNotifyToParent(this, &changing.hdr) != 0)
+        return false;
+    if (item && !target.isValid())
+        return false; // the handler removed it
+    old = currentItem();
+    {
+        ProgramScope program(this);
+        if (item) {
+            setCurrentItem(item);
+        } else {
+            setCurrentItem(nullptr);
+            clearSelection();
+        }
+    }
+    NMTREEVIEW changed;
+    changed.hdr.code = static_cast<UINT>(TVN_SELCHANGED);
+    changed.action = action;
+    changed.itemOld = reinterpret_cast<HTREEITEM>(old);
+    changed.itemNew = reinterpret_cast<HTREEITEM>(item);
+    SendNotifyToParent(this, &changed.hdr);
+    return true;
+}
+
+// --- list view ----------------------------------------------------------------------------
+
+KoListView::KoListView(QWidget* parent) : QTreeWidget(parent) {
+    setRootIsDecorated(false);
+    setUniformRowHeights(true);
+    setItemsExpandable(false);
+    setAllColumnsShowFocus(true);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setColumnCount(0);
+    header()->setStretchLastSection(false);
+    header()->setSectionsMovable(false);
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { SyncStates(); });
+    connect(selectionModel(), &QItemSelectionModel::currentChanged, this, [this] { SyncStates(); });
+}
+
+UINT KoListView::StoredState(int row) const {
+    const QTreeWidgetItem* it = topLevelItem(row);
+    return it ? it->data(0, kItemStateRole).toUInt() : 0;
+}
+
+void KoListView::SyncStates(bool notify) {
+    if (batchDepth > 0)
+        return; // the batch syncs once when its whole change is made
+    const int generation = ++syncGeneration;
+    const int count = topLevelItemCount();
+    const QTreeWidgetItem* current = currentItem();
+    std::vector<int> order;
+    std::vector<UINT> actual(static_cast<size_t>(count), 0);
+    for (int row = 0; row < count; ++row) {
+        const QTreeWidgetItem* it = topLevelItem(row);
+        actual[static_cast<size_t>(row)] =
+            (it->isSelected() ? LVIS_SELECTED : 0) | (it == current ? LVIS_FOCUSED : 0);
+    }
+    for (int pass = 0; pass < 2; ++pass) {
+        for (int row = 0; row < count; ++row) {
+            const UINT stored = StoredState(row);
+            const UINT now = actual[static_cast<size_t>(row)];
+            if (stored == now)
+                continue;
+            const bool losesSelection = (stored & LVIS_SELECTED) && !(now & LVIS_SELECTED);
+            if (losesSelection == (pass == 0))
+                order.push_back(row);
+        }
+    }
+    for (int row : order) {
+        if (generation != syncGeneration || row >= topLevelItemCount())
+            return; // a nested change has synced the states itself
+        QTreeWidgetItem* it = topLevelItem(row);
+        const UINT old = it->data(0, kItemStateRole).toUInt();
+        const UINT now = actual[static_cast<size_t>(row)];
+        it->setData(0, kItemStateRole, now);
+        if ((now & LVIS_SELECTED) && !(old & LVIS_SELECTED))
+            selectionMark = row;
+        if (!notify)
+            continue;
+        NMLISTVIEW nm;
+        nm.hdr.code = static_cast<UINT>(LVN_ITEMCHANGED);
+        nm.iItem = row;
+        nm.uOldState = old;
+        nm.uNewState = now;
+        nm.uChanged = LVIF_STATE;
+        nm.lParam = static_cast<LPARAM>(it->data(0, kItemDataRole).toLongLong());
+        SendNotifyToParent(this, &nm.hdr);
+    }
+}
+
+void KoListView::ClickEmpty() {
+    ListViewBatch batch(this, true);
+    clearSelection();
+}
+
+void KoListView::mousePressEvent(QMouseEvent* event) {
+    // One click moves focus and selection together: one notice per item, not one per signal.
+    ListViewBatch batch(this, true);
+    if (!indexAt(event->position().toPoint()).isValid()) {
+        clearSelection(); // a click beside the items drops the selection
+        return;
+    }
+    QTreeWidget::mousePressEvent(event);
+}
+
+void KoListView::keyPressEvent(QKeyEvent* event) {
+    ListViewBatch batch(this, true);
+    QTreeWidget::keyPressEvent(event);
+}
+
+} // namespace koqdde::ui

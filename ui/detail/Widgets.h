@@ -1,0 +1,186 @@
+#pragma once
+// The Qt widgets behind the control classes. They hold the state (as a window does) and send
+// the notices to the parent window; the control classes only call them. Internal to ui/.
+
+#include "platform/CString.h"
+#include "ui/Win.h"
+
+#include <QComboBox>
+#include <QDialog>
+#include <QLabel>
+#include <QListWidget>
+#include <QPointer>
+#include <QTabBar>
+#include <QTreeWidget>
+
+#include <vector>
+
+namespace koqdde::ui {
+
+// Program calls run inside a ProgramScope on their widget: the widget's signal handlers then
+// know that the change is not the user's and send nothing.
+class ProgramScope {
+public:
+    explicit ProgramScope(QWidget* widget);
+    ~ProgramScope();
+    ProgramScope(const ProgramScope&) = delete;
+    ProgramScope& operator=(const ProgramScope&) = delete;
+
+private:
+    QPointer<QWidget> m_widget;
+};
+bool InProgramChange(const QWidget* widget);
+
+// Windows' visibility: the widget and its ancestors are not hidden, and the top window is shown
+// (a dialog answered by a modal hook counts as shown).
+bool IsShownAsWindows(const QWidget* widget);
+void SetWidgetText(QWidget* widget, const CString& text);
+CString WidgetText(const QWidget* widget);
+// Text with Windows' "&" mnemonics as a label shows it ("&&" is one "&").
+QString StripMnemonic(const QString& text);
+// The focused widget: the application's, else the focus child of the running dialog.
+QWidget* FocusWidget();
+void PushRunningDialog(QWidget* dialog);
+void PopRunningDialog(QWidget* dialog);
+
+class KoListBox;
+class KoComboBox;
+// Where AddString puts a text: the end, or for a sorted box after the last entry that sorts
+// before or equal to it.
+int AddStringIndex(const KoListBox* list, const CString& text);
+int AddStringIndex(const KoComboBox* combo, const CString& text);
+
+// The search of list and combo boxes: from the entry after startAfter round to it; -1 when
+// nothing matches.
+template <typename Match> int SearchEntries(int count, int startAfter, Match match) {
+    if (count <= 0)
+        return -1;
+    const int first = startAfter < 0 || startAfter >= count ? 0 : startAfter + 1;
+    for (int k = 0; k < count; ++k) {
+        const int i = (first + k) % count;
+        if (match(i))
+            return i;
+    }
+    return -1;
+}
+
+inline constexpr int kItemDataRole = Qt::UserRole + 1;
+inline constexpr int kItemStateRole = Qt::UserRole + 2;
+
+class KoDialog : public QDialog {
+public:
+    explicit KoDialog(QWidget* parent);
+    void reject() override;
+    void accept() override {}
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+};
+
+class KoStatic : public QLabel {
+public:
+    explicit KoStatic(QWidget* parent) : QLabel(parent) {}
+    bool notify = false;
+    QString rawText; // as set, with its "&"
+
+protected:
+    void mouseReleaseEvent(QMouseEvent* event) override;
+};
+
+class KoListBox : public QListWidget {
+public:
+    explicit KoListBox(QWidget* parent);
+    bool notify = false;
+    bool sorted = false;
+    bool tips = false;
+    // The tip the attached CListBox's hooks give for a point, "" for none.
+    CString TipAt(QPoint point);
+
+protected:
+    bool viewportEvent(QEvent* event) override;
+};
+
+class KoComboBox : public QComboBox {
+public:
+    explicit KoComboBox(QWidget* parent, bool editable);
+    bool sorted = false;
+    void showPopup() override;
+    void hidePopup() override;
+    bool dropped = false;
+    // The attached CComboBox's hooks, called by the event filters.
+    void ListMouseMove(QPoint viewportPos);
+    void ListLeave();
+    bool ListClickAllowed(int index);
+    // A user's choice of an entry: opens the list, clicks the entry, which closes it and
+    // selects (CBN_DROPDOWN, CBN_CLOSEUP, CBN_SELCHANGE). A refused click leaves the list open
+    // and returns false.
+    bool UserChoose(int index);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool event(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+};
+
+class KoTabCtrl : public QWidget {
+public:
+    explicit KoTabCtrl(QWidget* parent);
+    QTabBar* bar;
+    int lastIndex = -1;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+};
+
+class KoTreeView : public QTreeWidget {
+public:
+    explicit KoTreeView(QWidget* parent);
+    // Moves the current item with the two notices; false when vetoed or gone. action is a
+    // TVC_ value.
+    bool MoveSelection(QTreeWidgetItem* item, UINT action);
+};
+
+class KoListView : public QTreeWidget {
+public:
+    explicit KoListView(QWidget* parent);
+    bool singleSel = true;
+    DWORD exStyle = 0;
+    int selectionMark = -1;
+    // Brings the stored item states into line with the view's selection and current item,
+    // one LVN_ITEMCHANGED per item changed: items losing the selection first.
+    // While a batch is open the view's own signals wait; the change is synced once at its end.
+    // A silent sync (inserting, deleting) stores the states and sends nothing.
+    void SyncStates(bool notify = true);
+    int syncGeneration = 0;
+    int batchDepth = 0;
+    UINT StoredState(int row) const;
+    void ClickEmpty();
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+};
+
+// Holds a list view's signals back during one change and syncs its states after it.
+class ListViewBatch {
+public:
+    ListViewBatch(KoListView* view, bool notify) : m_view(view), m_notify(notify) {
+        ++m_view->batchDepth;
+    }
+    ~ListViewBatch() {
+        if (m_view) {
+            --m_view->batchDepth;
+            if (m_view->batchDepth == 0)
+                m_view->SyncStates(m_notify);
+        }
+    }
+    ListViewBatch(const ListViewBatch&) = delete;
+    ListViewBatch& operator=(const ListViewBatch&) = delete;
+
+private:
+    QPointer<KoListView> m_view;
+    bool m_notify;
+};
+
+} // namespace koqdde::ui
