@@ -33,8 +33,14 @@ void DDX_Control(CDataExchange* pDX, int id, CWnd& control) {
     if (control.IsWindow())
         return;
     QWidget* widget = FindControl(pDX->m_pDlgWnd->GetSafeHwnd(), id);
-    if (widget)
-        control.Attach(widget);
+    if (!widget)
+        return;
+    // A control is bound once: the first object bound to it keeps it (a plain CWnd that
+    // GetDlgItem handed out gives way).
+    CWnd* bound = CWnd::FromHandlePermanent(widget);
+    if (bound && !pDX->m_pDlgWnd->IsOnDemandItem(bound))
+        return;
+    control.Attach(widget);
 }
 
 void DDX_Text(CDataExchange* pDX, int id, CString& value) {
@@ -193,6 +199,14 @@ BOOL CDialog::UpdateData(BOOL saveAndValidate) {
 }
 
 void CDialog::DoDataExchange(CDataExchange* /*pDX*/) {}
+
+bool CDialog::IsOnDemandItem(const CWnd* wnd) const {
+    for (const auto& [id, item] : m_items) {
+        if (item.get() == wnd)
+            return true;
+    }
+    return false;
+}
 
 CWnd* CDialog::GetDlgItem(int id) const {
     QWidget* widget = FindControl(GetSafeHwnd(), id);

@@ -22,7 +22,8 @@ public:
     BOOL m_bFailed = FALSE;
 };
 
-// Attaches control to the template's widget with this id (once; later passes do nothing).
+// Attaches control to the template's widget with this id (once; later passes do nothing). A
+// control already bound to another object stays with the first one.
 void DDX_Control(CDataExchange* pDX, int id, CWnd& control);
 // The text of an edit (or any control with a window text) to and from a value.
 void DDX_Text(CDataExchange* pDX, int id, CString& value);
@@ -88,6 +89,7 @@ protected:
 
 private:
     friend void DDX_Control(CDataExchange*, int, CWnd&);
+    bool IsOnDemandItem(const CWnd* wnd) const;
     bool MakeWindow(CWnd* parent);
     void DestroyOwnWindow();
 

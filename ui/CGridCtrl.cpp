@@ -72,11 +72,8 @@ public:
                           const QModelIndex& index) const override {
         (void)option;
         CGridCtrl* grid = m_table->owner;
-        if (!grid)
-            return nullptr;
         const int row = index.row(), col = index.column();
-        if (!grid->IsEditable() || row < grid->GetFixedRowCount() ||
-            col < grid->GetFixedColumnCount() || (grid->GetItemState(row, col) & GVIS_READONLY))
+        if (!grid || !grid->CanUserEdit(row, col))
             return nullptr;
         const int type = grid->GetCellType(row, col);
         QWidget* editor = nullptr;
@@ -757,6 +754,13 @@ CWnd* CGridCtrl::SetFocus() {
     return CWnd::SetFocus();
 }
 
+bool CGridCtrl::CanUserEdit(int row, int col) const {
+    const int type = GetCellType(row, col);
+    return IsEditable() && row >= GetFixedRowCount() && col >= GetFixedColumnCount() &&
+           !(GetItemState(row, col) & GVIS_READONLY) &&
+           (type == GVCT_EDIT || type == GVCT_DROPLIST || type == GVCT_DROPDOWN);
+}
+
 void CGridCtrl::UserClickCell(int row, int col) {
     GridTable* table = m_state->table;
     if (!table || !table->isEnabled())
@@ -778,6 +782,8 @@ BOOL CGridCtrl::UserEditCell(int row, int col, const CString& text) {
     EndEditing();
     const QModelIndex index = table->model()->index(row, col);
     table->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    if (!CanUserEdit(row, col))
+        return FALSE;
     table->edit(index);
     QWidget* editor = table->editor;
     if (!editor)
@@ -809,6 +815,8 @@ BOOL CGridCtrl::UserChooseOption(int row, int col, int option) {
     EndEditing();
     const QModelIndex index = table->model()->index(row, col);
     table->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    if (!CanUserEdit(row, col))
+        return FALSE;
     table->edit(index);
     auto* combo = qobject_cast<QComboBox*>(table->editor.data());
     if (!combo || option < 0 || option >= combo->count()) {

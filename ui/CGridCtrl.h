@@ -184,6 +184,9 @@ public:
     BOOL UserEditCell(int row, int col, const CString& text);
     BOOL UserChooseOption(int row, int col, int option);
     void UserPressKey(int qtKey);
+    // Whether a user may open an editor on the cell: editable grid, not fixed, not read-only,
+    // and a type with an editor.
+    bool CanUserEdit(int row, int col) const;
 
 protected:
     // Enter pressed in an open edit, after the edit ended. The base does nothing more.

@@ -157,13 +157,15 @@ void CWnd::MoveWindow(int x, int y, int width, int height, BOOL repaint) {
     if (!m_widget)
         return;
     if (m_widget->isWindow()) {
-        // The rectangle is the frame's; Qt sizes the client area.
+        // The rectangle is the frame's; the client area sits inside it by the frame margins.
         const QRect frame = m_widget->frameGeometry();
         const QRect client = m_widget->geometry();
+        const int marginLeft = client.left() - frame.left();
+        const int marginTop = client.top() - frame.top();
         const int extraW = frame.width() - client.width();
         const int extraH = frame.height() - client.height();
-        m_widget->move(x, y);
-        m_widget->resize(std::max(0, width - extraW), std::max(0, height - extraH));
+        m_widget->setGeometry(x + marginLeft, y + marginTop, std::max(0, width - extraW),
+                              std::max(0, height - extraH));
     } else {
         m_widget->setGeometry(x, y, std::max(0, width), std::max(0, height));
     }

@@ -1,0 +1,368 @@
+// The controls of the demo dialog driven as the program and as a user: which notices each
+// sends, in which order, and what a handler sees while it runs.
+
+#include "DemoDialog.h"
+
+#include <gtest/gtest.h>
+
+using koqdde::test::DemoDialog;
+using koqdde::test::RunDialog;
+using Log = std::vector<std::string>;
+
+TEST(UiControls, ButtonsAndEditsNotifyOnlyForUserActions) {
+    DemoDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        dlg.check.SetCheck(BST_CHECKED);
+        dlg.edit.SetWindowText(L"set by program");
+        EXPECT_TRUE(dlg.log.empty());
+        EXPECT_EQ(dlg.check.GetCheck(), BST_CHECKED);
+
+        dlg.button.Click();
+        dlg.check.Click();
+        dlg.edit.UserType(L"typed");
+        dlg.label.UserClick();
+        EXPECT_EQ(dlg.log, (Log{"C1000:0", "C1001:0", "C1002:768", "C1004:0"}));
+        EXPECT_EQ(dlg.check.GetCheck(), BST_UNCHECKED);
+        EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"typed"));
+
+        // A disabled button and a read-only edit take no user action.
+        dlg.log.clear();
+        dlg.button.EnableWindow(FALSE);
+        dlg.button.Click();
+        dlg.readOnly.UserType(L"x");
+        EXPECT_TRUE(dlg.log.empty());
+        EXPECT_EQ(dlg.readOnly.GetWindowText(), CString(L"只读"));
+    });
+}
+
+TEST(UiControls, ListBoxSelectionByProgramIsSilentByUserNotifies) {
+    DemoDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        EXPECT_EQ(dlg.list.AddString(L"one"), 0);
+        EXPECT_EQ(dlg.list.AddString(L"two"), 1);
+        EXPECT_EQ(dlg.list.InsertString(0, L"zero"), 0);
+        dlg.list.SetItemData(2, 42);
+        EXPECT_EQ(dlg.list.GetCount(), 3);
+        EXPECT_EQ(dlg.list.GetCurSel(), LB_ERR);
+
+        EXPECT_EQ(dlg.list.SetCurSel(1), 1);
+        EXPECT_EQ(dlg.list.SelectString(-1, L"TW"), 2);
+        EXPECT_TRUE(dlg.log.empty());
+        EXPECT_EQ(dlg.list.GetCurSel(), 2);
+        EXPECT_EQ(dlg.list.GetItemData(2), 42);
+
+        dlg.list.UserSelect(0);
+        dlg.list.UserDoubleClick(1);
+        EXPECT_EQ(dlg.log, (Log{"C1005:1", "C1005:1", "C1005:2"}));
+        EXPECT_EQ(dlg.list.GetCurSel(), 1);
+        EXPECT_EQ(dlg.list.GetText(1), CString(L"one"));
+        EXPECT_EQ(dlg.list.GetTextLen(0), 4);
+        EXPECT_EQ(dlg.list.FindStringExact(-1, L"ONE"), 1);
+        EXPECT_EQ(dlg.list.FindStringExact(-1, L"on"), LB_ERR);
+
+        EXPECT_EQ(dlg.list.DeleteString(0), 2);
+        dlg.list.ResetContent();
+        EXPECT_EQ(dlg.list.GetCount(), 0);
+        EXPECT_EQ(dlg.list.SetCurSel(0), LB_ERR);
+    });
+}
+
+TEST(UiControls, SortedBoxesInsertCaseInsensitively) {
+    DemoDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        // The template's entries b, A, c went in through the sorted insert.
+        ASSERT_EQ(dlg.dropList.GetCount(), 3);
+        EXPECT_EQ(dlg.dropList.GetLBText(0), CString(L"A"));
+        EXPECT_EQ(dlg.dropList.GetLBText(1), CString(L"b"));
+        EXPECT_EQ(dlg.dropList.GetLBText(2), CString(L"c"));
+        EXPECT_EQ(dlg.dropList.GetCurSel(), CB_ERR);
+        EXPECT_EQ(dlg.dropList.AddString(L"B2"), 2);
+
+        for (const wchar_t* s : {L"delta", L"Alpha", L"charlie", L"Bravo", L"alpha"})
+            dlg.sortedList.AddString(s);
+        std::vector<std::wstring> order;
+        for (int i = 0; i < dlg.sortedList.GetCount(); ++i)
+            order.push_back(dlg.sortedList.GetText(i).str());
+        ASSERT_EQ(order.size(), 5u);
+        EXPECT_EQ(order[2], L"Bravo");
+        EXPECT_EQ(order[3], L"charlie");
+        EXPECT_EQ(order[4], L"delta");
+        EXPECT_EQ(CString(order[0].c_str()).CompareNoCase(L"alpha"), 0);
+        EXPECT_EQ(CString(order[1].c_str()).CompareNoCase(L"alpha"), 0);
+        // InsertString never sorts.
+        EXPECT_EQ(dlg.sortedList.InsertString(0, L"zulu"), 0);
+        EXPECT_EQ(dlg.sortedList.GetText(0), CString(L"zulu"));
+        EXPECT_LT(koqdde::ui::CompareItemTexts(L"abc", L"ABD"), 0);
+        EXPECT_EQ(koqdde::ui::CompareItemTexts(L"abc", L"ABC"), 0);
+    });
+}
+
+TEST(UiControls, ComboBoxesNotifyUserChoiceTypingAndTheList) {
+    DemoDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        dlg.dropList.SetCurSel(1);
+        dlg.dropList.SelectString(-1, L"c");
+        dlg.dropList.ShowDropDown(TRUE);
+        EXPECT_TRUE(dlg.dropList.GetDroppedState());
+        dlg.dropList.ShowDropDown(FALSE);
+        EXPECT_FALSE(dlg.dropList.GetDroppedState());
+        EXPECT_TRUE(dlg.log.empty());
+        EXPECT_EQ(dlg.dropList.GetCurSel(), 2);
+        EXPECT_EQ(dlg.dropList.GetWindowText(), CString(L"c"));
+
+        // A handler of CBN_SELCHANGE already reads the new selection.
+        int selInHandler = -2;
+        dlg.onCommand = [&](UINT id, UINT code) {
+            if (id == 1007 && code == CBN_SELCHANGE)
+                selInHandler = dlg.dropList.GetCurSel();
+        };
+        dlg.dropList.UserSelect(0);
+        EXPECT_EQ(dlg.log, (Log{"C1007:7", "C1007:8", "C1007:1"}));
+        EXPECT_EQ(selInHandler, 0);
+        EXPECT_FALSE(dlg.dropList.GetDroppedState());
+
+        dlg.log.clear();
+        dlg.dropDown.AddString(L"10");
+        dlg.dropDown.AddString(L"20");
+        dlg.dropDown.SetWindowText(L"15");
+        EXPECT_TRUE(dlg.log.empty());
+        EXPECT_EQ(dlg.dropDown.GetWindowText(), CString(L"15"));
+        EXPECT_EQ(dlg.dropDown.GetCurSel(), CB_ERR);
+        dlg.dropDown.UserType(L"25");
+        EXPECT_EQ(dlg.log, (Log{"C1008:5"}));
+        EXPECT_EQ(dlg.dropDown.GetWindowText(), CString(L"25"));
+        dlg.dropDown.SetCurSel(1);
+        EXPECT_EQ(dlg.dropDown.GetWindowText(), CString(L"20"));
+        dlg.dropDown.SetItemData(1, 7);
+        EXPECT_EQ(dlg.dropDown.GetItemData(1), 7);
+        EXPECT_EQ(dlg.dropDown.FindStringExact(-1, L"10"), 0);
+        EXPECT_EQ(dlg.dropDown.DeleteString(1), 1);
+        EXPECT_EQ(dlg.dropDown.GetCurSel(), CB_ERR);
+        dlg.dropDown.ResetContent();
+        EXPECT_EQ(dlg.dropDown.GetCount(), 0);
+        EXPECT_EQ(dlg.dropDown.GetWindowText(), CString());
+    });
+}
+
+namespace {
+// A combo box with entries that can't be chosen and a record of the list hooks.
+class GuardedCombo : public CComboBox {
+public:
+    std::vector<int> hovered;
+    int leaves = 0;
+    int shown = 0;
+    std::vector<int> blocked;
+
+protected:
+    void OnListMouseMove(int index, CPoint) override { hovered.push_back(index); }
+    void OnListMouseLeave() override { ++leaves; }
+    void OnListShown() override { ++shown; }
+    BOOL OnListItemClick(int index) override {
+        return std::find(blocked.begin(), blocked.end(), index) == blocked.end();
+    }
+};
+
+class GuardedDialog : public DemoDialog {
+public:
+    GuardedCombo guarded;
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override {
+        DDX_Control(pDX, 1007, guarded);
+        DemoDialog::DoDataExchange(pDX);
+    }
+};
+} // namespace
+
+TEST(UiControls, ComboHooksSeeTheOpenListAndCanRefuseAClick) {
+    GuardedDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        dlg.guarded.blocked = {1};
+        dlg.guarded.UserHoverListItem(2);
+        EXPECT_EQ(dlg.guarded.shown, 1);
+        ASSERT_FALSE(dlg.guarded.hovered.empty());
+        EXPECT_EQ(dlg.guarded.hovered.back(), 2);
+        dlg.guarded.UserLeaveList();
+        EXPECT_EQ(dlg.guarded.leaves, 1);
+
+        dlg.guarded.SetCurSel(0);
+        dlg.log.clear();
+        dlg.guarded.UserClickListItem(1); // refused: the list stays open, nothing chosen
+        EXPECT_EQ(dlg.guarded.GetCurSel(), 0);
+        EXPECT_TRUE(dlg.guarded.GetDroppedState());
+        EXPECT_TRUE(dlg.log.empty());
+        dlg.guarded.UserClickListItem(2);
+        EXPECT_EQ(dlg.guarded.GetCurSel(), 2);
+        EXPECT_FALSE(dlg.guarded.GetDroppedState());
+        EXPECT_EQ(dlg.log, (Log{"C1007:8", "C1007:1"}));
+    });
+}
+
+TEST(UiControls, TabSelectionByProgramIsSilentByUserAsksThenChanges) {
+    DemoDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        EXPECT_EQ(dlg.tab.InsertItem(0, L"等于"), 0);
+        EXPECT_EQ(dlg.tab.InsertItem(1, L"范围"), 1);
+        EXPECT_EQ(dlg.tab.GetItemCount(), 2);
+        EXPECT_EQ(dlg.tab.SetCurSel(1), 0);
+        EXPECT_EQ(dlg.tab.SetCurSel(0), 1);
+        EXPECT_TRUE(dlg.log.empty());
+
+        // The asking notice sees the old tab, the second one the new tab.
+        dlg.tab.UserSelect(1);
+        EXPECT_EQ(dlg.log, (Log{"N1009:-552 cur=0", "N1009:-551 cur=1"}));
+
+        // A non-zero answer to the question keeps the old tab.
+        dlg.log.clear();
+        dlg.notifyResult = [](NMHDR* h) {
+            return h->code == static_cast<UINT>(TCN_SELCHANGING) ? LRESULT(1) : LRESULT(0);
+        };
+        dlg.tab.UserSelect(0);
+        EXPECT_EQ(dlg.log, (Log{"N1009:-552 cur=1"}));
+        EXPECT_EQ(dlg.tab.GetCurSel(), 1);
+        EXPECT_EQ(dlg.tab.GetItemText(0), CString(L"等于"));
+        EXPECT_TRUE(dlg.tab.DeleteAllItems());
+        EXPECT_EQ(dlg.tab.GetItemCount(), 0);
+        EXPECT_EQ(dlg.tab.GetCurSel(), -1);
+    });
+}
+
+TEST(UiControls, TreeSelectionSendsChangingThenChangedForProgramAndUser) {
+    DemoDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        HTREEITEM root = dlg.tree.InsertItem(L"给排水");
+        HTREEITEM pipes = dlg.tree.InsertItem(L"管道", root);
+        HTREEITEM valves = dlg.tree.InsertItem(L"阀门", root);
+        HTREEITEM steel = dlg.tree.InsertItem(L"钢管", pipes);
+        HTREEITEM first = dlg.tree.InsertItem(L"塑料管", pipes, TVI_FIRST);
+        dlg.tree.SetItemData(steel, 17);
+        dlg.tree.Expand(root, TVE_EXPAND);
+        EXPECT_TRUE(dlg.tree.IsExpanded(root));
+        EXPECT_EQ(dlg.tree.GetCount(), 5u);
+        EXPECT_EQ(dlg.tree.GetRootItem(), root);
+        EXPECT_EQ(dlg.tree.GetChildItem(pipes), first);
+        EXPECT_EQ(dlg.tree.GetNextSiblingItem(first), steel);
+        EXPECT_EQ(dlg.tree.GetNextSiblingItem(pipes), valves);
+        EXPECT_EQ(dlg.tree.GetNextSiblingItem(valves), nullptr);
+        EXPECT_EQ(dlg.tree.GetParentItem(steel), pipes);
+        EXPECT_EQ(dlg.tree.GetParentItem(root), nullptr);
+        EXPECT_TRUE(dlg.tree.ItemHasChildren(pipes));
+        EXPECT_FALSE(dlg.tree.ItemHasChildren(steel));
+        EXPECT_EQ(dlg.tree.GetItemData(steel), 17);
+        EXPECT_TRUE(dlg.log.empty()); // inserting selects nothing
+
+        // The first notice runs while the old item is still selected.
+        EXPECT_TRUE(dlg.tree.SelectItem(steel));
+        EXPECT_EQ(dlg.log,
+                  (Log{"N1010:-450 old=- new=钢管 cur=-", "N1010:-451 old=- new=钢管 cur=钢管"}));
+        dlg.log.clear();
+        dlg.tree.UserSelect(valves);
+        EXPECT_EQ(dlg.log, (Log{"N1010:-450 old=钢管 new=阀门 cur=钢管",
+                                "N1010:-451 old=钢管 new=阀门 cur=阀门"}));
+        dlg.log.clear();
+        EXPECT_TRUE(dlg.tree.SelectItem(valves)); // already selected: nothing to tell
+        EXPECT_TRUE(dlg.log.empty());
+
+        // Refusing the change keeps the old item, for a program and for a user.
+        dlg.notifyResult = [](NMHDR* h) {
+            return h->code == static_cast<UINT>(TVN_SELCHANGING) ? LRESULT(1) : LRESULT(0);
+        };
+        EXPECT_FALSE(dlg.tree.SelectItem(first));
+        dlg.tree.UserSelect(first);
+        EXPECT_EQ(dlg.tree.GetSelectedItem(), valves);
+        EXPECT_EQ(dlg.log.size(), 2u);
+        dlg.notifyResult = nullptr;
+
+        // A handler may select again inside the notice; the nested change completes first.
+        dlg.log.clear();
+        bool redirected = false;
+        dlg.onNotify = [&](UINT, NMHDR* h) {
+            if (h->code == static_cast<UINT>(TVN_SELCHANGED) && !redirected) {
+                redirected = true;
+                dlg.tree.SelectItem(steel);
+            }
+        };
+        dlg.tree.SelectItem(first);
+        EXPECT_EQ(dlg.tree.GetSelectedItem(), steel);
+        ASSERT_EQ(dlg.log.size(), 4u);
+        EXPECT_EQ(dlg.log[3], "N1010:-451 old=塑料管 new=钢管 cur=钢管");
+        dlg.onNotify = nullptr;
+
+        dlg.log.clear();
+        dlg.tree.DeleteAllItems();
+        EXPECT_EQ(dlg.tree.GetCount(), 0u);
+        EXPECT_EQ(dlg.tree.GetSelectedItem(), nullptr);
+        EXPECT_TRUE(dlg.log.empty());
+    });
+}
+
+TEST(UiControls, ListViewTellsTheClearedRowBeforeTheSelectedOne) {
+    DemoDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        EXPECT_EQ(dlg.view.InsertColumn(0, L"序号", LVCFMT_LEFT, 40), 0);
+        EXPECT_EQ(dlg.view.InsertColumn(1, L"范围", LVCFMT_LEFT, 450), 1);
+        EXPECT_EQ(dlg.view.SetExtendedStyle(LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT), 0u);
+        EXPECT_EQ(dlg.view.GetExtendedStyle(), 33u);
+        for (int i = 0; i < 3; ++i) {
+            const int row = dlg.view.InsertItem(i, L"x");
+            EXPECT_EQ(row, i);
+            dlg.view.SetItemText(row, 1, i == 2 ? L"其它" : L"条件");
+            dlg.view.SetItemData(row, 100 + i);
+        }
+        EXPECT_EQ(dlg.view.GetItemCount(), 3);
+        EXPECT_EQ(dlg.view.GetItemText(2, 1), CString(L"其它"));
+        EXPECT_EQ(dlg.view.GetNextItem(-1, LVNI_SELECTED), -1);
+        EXPECT_TRUE(dlg.log.empty());
+
+        dlg.view.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
+        EXPECT_EQ(dlg.log, (Log{"N1011:-101 item=0 sel=0 +S"}));
+        dlg.log.clear();
+        dlg.view.SetItemState(2, LVIS_SELECTED, LVIS_SELECTED);
+        EXPECT_EQ(dlg.log, (Log{"N1011:-101 item=0 sel=-1 -S", "N1011:-101 item=2 sel=2 +S"}));
+        EXPECT_EQ(dlg.view.GetSelectionMark(), 2);
+        EXPECT_EQ(dlg.view.GetItemData(dlg.view.GetNextItem(-1, LVNI_SELECTED)), 102);
+
+        dlg.log.clear();
+        dlg.view.UserClickItem(1);
+        EXPECT_EQ(dlg.log, (Log{"N1011:-101 item=2 sel=-1 -S", "N1011:-101 item=1 sel=1 +S"}));
+
+        dlg.log.clear();
+        dlg.view.UserClickEmpty();
+        EXPECT_EQ(dlg.log, (Log{"N1011:-101 item=1 sel=-1 -S"}));
+        EXPECT_EQ(dlg.view.GetSelectedCount(), 0);
+
+        // Rebuilding inside a notice (as a refresh does) sends nothing of its own.
+        dlg.view.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
+        dlg.log.clear();
+        dlg.view.DeleteAllItems();
+        EXPECT_EQ(dlg.view.GetItemCount(), 0);
+        EXPECT_TRUE(dlg.log.empty());
+    });
+}
+
+TEST(UiControls, ListViewRefreshInsideItsOwnNoticeEndsTheOuterChange) {
+    DemoDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        dlg.view.InsertColumn(0, L"序号");
+        auto fill = [&] {
+            dlg.view.DeleteAllItems();
+            for (int i = 0; i < 3; ++i)
+                dlg.view.InsertItem(i, L"r");
+            dlg.view.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
+        };
+        fill();
+        bool refreshed = false;
+        dlg.onNotify = [&](UINT, NMHDR* h) {
+            auto* nm = reinterpret_cast<NMLISTVIEW*>(h);
+            if (h->code == static_cast<UINT>(LVN_ITEMCHANGED) && nm->iItem == 2 && !refreshed) {
+                refreshed = true;
+                fill(); // lands on row 0 again, with its own notice
+            }
+        };
+        dlg.log.clear();
+        dlg.view.SetItemState(2, LVIS_SELECTED, LVIS_SELECTED);
+        EXPECT_EQ(dlg.view.GetNextItem(-1, LVNI_SELECTED), 0);
+        EXPECT_EQ(dlg.log, (Log{"N1011:-101 item=0 sel=-1 -S", "N1011:-101 item=2 sel=2 +S",
+                                "N1011:-101 item=0 sel=0 +S"}));
+    });
+}

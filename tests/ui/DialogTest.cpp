@@ -1,0 +1,254 @@
+// Dialogs from templates: geometry from dialog units, data exchange, the ways a dialog ends,
+// and the modal hook answering a dialog opened from inside another.
+
+#include "DemoDialog.h"
+
+#include "support/ui/QtTestApp.h"
+#include "ui/QtString.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QFontInfo>
+#include <QKeyEvent>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using koqdde::test::DemoDialog;
+using koqdde::test::RunDialog;
+using namespace koqdde::ui;
+
+TEST(UiTemplate, ParsesTheLineFormatAndReportsTheFaultyLine) {
+    CString error;
+    auto tmpl = ParseDialogTemplate("# demo\n"
+                                    "DIALOG IDD_X 42 100 50\n"
+                                    "CAPTION \"Say \\\"hi\\\"\"\n"
+                                    "STYLE popup Caption\n"
+                                    "CONTROL 7 combobox \"\" 1 2 30 40 droplist Sorted\n"
+                                    "ITEM 7 \"a b\"\n"
+                                    "CONTROL -1 static \"名称(&N):\" 5 6 7 8 # trailing note\n",
+                                    &error);
+    ASSERT_TRUE(tmpl) << ToUtf8(error);
+    EXPECT_EQ(tmpl->name, CString(L"IDD_X"));
+    EXPECT_EQ(tmpl->id, 42);
+    EXPECT_EQ(tmpl->caption, CString(L"Say \"hi\""));
+    EXPECT_TRUE(tmpl->HasStyle(L"caption"));
+    ASSERT_EQ(tmpl->controls.size(), 2u);
+    const ControlTemplate* combo = tmpl->FindControl(7);
+    ASSERT_NE(combo, nullptr);
+    EXPECT_TRUE(combo->HasStyle(L"sorted"));
+    EXPECT_FALSE(combo->HasStyle(L"dropdown"));
+    ASSERT_EQ(combo->items.GetSize(), 1);
+    EXPECT_EQ(combo->items[0], CString(L"a b"));
+    EXPECT_EQ(tmpl->controls[1].text, CString(L"名称(&N):"));
+    EXPECT_EQ(tmpl->controls[1].cy, 8);
+
+    EXPECT_FALSE(ParseDialogTemplate("DIALOG A 1 2 3\nCONTROL 1 slider \"\" 0 0 1 1\n", &error));
+    EXPECT_EQ(error, CString(L"line 2: unknown control class slider"));
+    EXPECT_FALSE(ParseDialogTemplate("CAPTION \"x\"\n", &error));
+    EXPECT_EQ(error, CString(L"line 1: DIALOG must come first"));
+    EXPECT_FALSE(ParseDialogTemplate("DIALOG A 1 2 3\nITEM 5 \"x\"\n", &error));
+    EXPECT_FALSE(ParseDialogTemplate("DIALOG A 1 2 3\nCAPTION \"open\n", &error));
+    EXPECT_EQ(error, CString(L"line 2: unclosed quote"));
+}
+
+TEST(UiTemplate, DialogUnitsBecomePixelsByTheFontsAverageCharacter) {
+    // MulDiv rounds half away from zero.
+    EXPECT_EQ(MulDiv(3, 7, 4), 5); // 5.25
+    EXPECT_EQ(MulDiv(1, 6, 4), 2); // 1.5
+    EXPECT_EQ(MulDiv(-1, 6, 4), -2);
+    EXPECT_EQ(MulDiv(5, 5, 0), -1);
+
+    auto tmpl = LoadDialogTemplate(CString(L"IDD_UI_DEMO"));
+    ASSERT_TRUE(tmpl);
+    EXPECT_EQ(LoadDialogTemplate(3900)->name, CString(L"IDD_UI_DEMO"));
+    EXPECT_FALSE(LoadDialogTemplate(CString(L"IDD_NOT_THERE")));
+
+    const QFont font = DialogFont(*tmpl);
+    EXPECT_EQ(font.pointSize(), 9);
+    EXPECT_EQ(QFontInfo(font).family(), QStringLiteral("Noto Sans CJK SC"));
+    const DialogBaseUnits units = MeasureBaseUnits(font);
+    // A 9-point face has an average letter of a few pixels and a line of a dozen or more.
+    EXPECT_GE(units.baseX, 4);
+    EXPECT_LE(units.baseX, 12);
+    EXPECT_GE(units.baseY, 10);
+    EXPECT_LE(units.baseY, 24);
+
+    DemoDialog dlg;
+    RunDialog(dlg, [&](CDialog& d) {
+        EXPECT_EQ(d.GetBaseUnits().baseX, units.baseX);
+        const CRect client = d.GetClientRect();
+        EXPECT_EQ(client.Width(), static_cast<int>(std::lround(300.0 * units.baseX / 4)));
+        EXPECT_EQ(client.Height(), static_cast<int>(std::lround(200.0 * units.baseY / 8)));
+        // The list box at 10, 46, 80 x 60 dialog units.
+        CRect rc;
+        d.GetDlgItem(1005)->GetWindowRect(&rc);
+        d.ScreenToClient(&rc);
+        EXPECT_EQ(rc.left, static_cast<int>(std::lround(10.0 * units.baseX / 4)));
+        EXPECT_EQ(rc.top, static_cast<int>(std::lround(46.0 * units.baseY / 8)));
+        EXPECT_EQ(rc.Width(), static_cast<int>(std::lround(80.0 * units.baseX / 4)));
+        EXPECT_EQ(rc.Height(), static_cast<int>(std::lround(60.0 * units.baseY / 8)));
+        CRect mapped(10, 46, 90, 106);
+        d.MapDialogRect(&mapped);
+        EXPECT_EQ(mapped, rc);
+    });
+}
+
+TEST(UiDialog, InitBindsControlsAndOkSavesTheData) {
+    DemoDialog dlg;
+    dlg.name = L"起始";
+    const int result = RunDialog(dlg, [&](CDialog& d) {
+        EXPECT_EQ(dlg.initCalls, 1);
+        EXPECT_TRUE(dlg.initSawBoundControls);
+        EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"起始")); // UpdateData(FALSE)
+        EXPECT_EQ(d.GetWindowText(), CString(L"Demo"));
+        EXPECT_TRUE(d.IsWindowVisible());
+        // Template flags: hidden, disabled; a control without a member still answers.
+        EXPECT_FALSE(dlg.readOnly.IsWindowVisible());
+        EXPECT_TRUE(dlg.readOnly.IsReadOnly());
+        CWnd* custom = d.GetDlgItem(1013);
+        ASSERT_NE(custom, nullptr);
+        EXPECT_FALSE(custom->IsWindowEnabled());
+        EXPECT_EQ(custom->GetDlgCtrlID(), 1013);
+        EXPECT_EQ(custom->GetParent(), &d);
+        EXPECT_EQ(d.GetDlgItem(1005), &dlg.list);
+        EXPECT_EQ(d.GetDlgItem(4711), nullptr);
+        EXPECT_EQ(d.GetDlgItemText(1000), CString(L"按钮"));
+
+        EXPECT_TRUE(TypeDlgItem(d, 1002, L"新名称"));
+        EXPECT_TRUE(ClickDlgItem(d, IDOK));
+        EXPECT_TRUE(dlg.IsEnded());
+    });
+    EXPECT_EQ(result, IDOK);
+    EXPECT_EQ(dlg.name, CString(L"新名称"));
+    EXPECT_FALSE(dlg.IsWindow()); // the window goes with DoModal
+    EXPECT_FALSE(dlg.list.IsWindow());
+    EXPECT_EQ(dlg.list.GetCount(), 0); // calls on an unbound control do nothing
+}
+
+TEST(UiDialog, EscapeCancelAndTheCloseBoxReachOnCancel) {
+    {
+        DemoDialog dlg;
+        dlg.name = L"kept";
+        const int result = RunDialog(dlg, [&](CDialog& d) {
+            dlg.edit.UserType(L"dropped");
+            QKeyEvent esc(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+            QApplication::sendEvent(d.GetSafeHwnd(), &esc);
+        });
+        EXPECT_EQ(result, IDCANCEL);
+        EXPECT_TRUE(dlg.cancelled);
+        EXPECT_EQ(dlg.name, CString(L"kept"));
+        EXPECT_EQ(dlg.log.back(), "C2:0");
+    }
+    {
+        DemoDialog dlg;
+        const int result = RunDialog(dlg, [&](CDialog& d) { d.GetSafeHwnd()->close(); });
+        EXPECT_EQ(result, IDCANCEL);
+        EXPECT_TRUE(dlg.cancelled);
+    }
+    {
+        DemoDialog dlg;
+        EXPECT_EQ(RunDialog(dlg, [&](CDialog& d) { ClickDlgItem(d, IDCANCEL); }), IDCANCEL);
+    }
+    {
+        // Nothing ends it: the hook's answer is the result.
+        DemoDialog dlg;
+        EXPECT_EQ(RunDialog(dlg, [](CDialog&) {}), -1);
+        EXPECT_FALSE(dlg.cancelled);
+    }
+    {
+        CDialog missing(CString(L"IDD_NOT_THERE"));
+        EXPECT_EQ(missing.DoModal(), -1);
+    }
+}
+
+namespace {
+// A dialog whose button opens a second dialog and takes over what was typed there.
+class OuterDialog : public DemoDialog {
+public:
+    int innerResult = 0;
+    CString innerName;
+
+protected:
+    BOOL OnCommand(UINT id, UINT code) override {
+        if (id == 1000 && code == BN_CLICKED) {
+            DemoDialog inner(this);
+            innerResult = inner.DoModal();
+            innerName = inner.name;
+            return TRUE;
+        }
+        return DemoDialog::OnCommand(id, code);
+    }
+};
+} // namespace
+
+TEST(UiDialog, ModalHookAnswersANestedDialog) {
+    OuterDialog outer;
+    int depth = 0;
+    std::vector<int> depthsSeen;
+    ModalHookScope hook([&](CDialog& d) {
+        depthsSeen.push_back(++depth);
+        if (&d == &outer) {
+            ClickDlgItem(d, 1000); // opens the inner dialog, answered by this same hook
+            ClickDlgItem(d, IDOK);
+        } else {
+            EXPECT_EQ(d.GetParentWnd(), &outer);
+            TypeDlgItem(d, 1002, L"内层");
+            ClickDlgItem(d, IDOK);
+        }
+        --depth;
+        return d.GetEndResult();
+    });
+    EXPECT_EQ(outer.DoModal(), IDOK);
+    EXPECT_EQ(hook.Calls(), 2);
+    EXPECT_EQ(depthsSeen, (std::vector<int>{1, 2}));
+    EXPECT_EQ(outer.innerResult, IDOK);
+    EXPECT_EQ(outer.innerName, CString(L"内层"));
+
+    {
+        // An inner scope wins while it lives; the outer one is back after it.
+        ModalHookScope inner([](CDialog& d) {
+            ClickDlgItem(d, IDCANCEL);
+            return d.GetEndResult();
+        });
+        DemoDialog dlg;
+        EXPECT_EQ(dlg.DoModal(), IDCANCEL);
+        EXPECT_EQ(inner.Calls(), 1);
+    }
+    EXPECT_EQ(hook.Calls(), 2);
+}
+
+TEST(UiDialog, PrivateMessagesAndCenteringGoThroughTheWindow) {
+    class MessageDialog : public DemoDialog {
+    public:
+        std::vector<std::pair<WPARAM, LPARAM>> received;
+
+    protected:
+        LRESULT WindowProc(UINT message, WPARAM w, LPARAM l) override {
+            if (message == WM_USER + 80) {
+                received.emplace_back(w, l);
+                return 7;
+            }
+            return DemoDialog::WindowProc(message, w, l);
+        }
+    };
+    MessageDialog dlg;
+    RunDialog(dlg, [&](CDialog& d) {
+        EXPECT_EQ(d.SendMessage(WM_USER + 80, 3, 4), 7);
+        ASSERT_EQ(dlg.received.size(), 1u);
+        EXPECT_EQ(dlg.received[0].second, 4);
+        d.SendMessage(WM_CLOSE);
+        EXPECT_TRUE(dlg.cancelled);
+
+        d.MoveWindow(CRect(10, 20, 10 + 300, 20 + 200));
+        d.CenterWindow();
+        const CRect placed = d.GetWindowRect();
+        d.MoveWindow(placed.left + 5, placed.top + 6, placed.Width(), placed.Height());
+        const CRect moved = d.GetWindowRect();
+        EXPECT_EQ(moved.left, placed.left + 5);
+        EXPECT_EQ(moved.top, placed.top + 6);
+        EXPECT_EQ(moved.Width(), placed.Width());
+    });
+}

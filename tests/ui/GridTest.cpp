@@ -1,0 +1,180 @@
+// The grid made at run time over a placeholder: its notices to the parent, cell types, option
+// lists, item data and the Enter walk.
+
+#include "DemoDialog.h"
+
+#include "ui/CQvGridCtrl.h"
+
+#include <Qt>
+
+#include <gtest/gtest.h>
+
+using koqdde::test::DemoDialog;
+using koqdde::test::RunDialog;
+using Log = std::vector<std::string>;
+
+namespace {
+
+bool UnitOptions(int column, CStringArray& options) {
+    options.RemoveAll();
+    if (column == 3) {
+        options.Add(L"m");
+        options.Add(L"个");
+    }
+    return true;
+}
+
+class GridDialog : public DemoDialog {
+public:
+    CQvGridCtrl grid;
+    CRect placeholder;
+
+protected:
+    BOOL OnInitDialog() override {
+        DemoDialog::OnInitDialog();
+        GetDlgItem(1012)->GetWindowRect(&placeholder);
+        ScreenToClient(&placeholder);
+        grid.Create(placeholder, this, 50002);
+        grid.SetOptionsFunName(UnitOptions);
+        grid.SetFmtType(std::vector<int>{GVCT_EDIT, GVCT_EDIT, GVCT_EDIT, GVCT_DROPLIST,
+                                         GVCT_BUTTON, GVCT_DROPDOWN});
+        grid.SetRowCount(1);
+        grid.SetColumnCount(6);
+        grid.SetFixedRowCount(1);
+        grid.SetFixedColumnCount(1);
+        grid.SetTextBkColor(RGB(0xFF, 0xFF, 0xE0));
+        return TRUE;
+    }
+};
+
+} // namespace
+
+TEST(UiGrid, MadeOverThePlaceholderWithCellsDataAndColours) {
+    GridDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        CRect rc;
+        dlg.grid.GetWindowRect(&rc);
+        dlg.ScreenToClient(&rc);
+        EXPECT_EQ(rc, dlg.placeholder);
+        EXPECT_EQ(dlg.grid.GetDlgCtrlID(), 50002);
+
+        CStringArray texts{L"031001001001", L"镀锌钢管", L"m", L"L", L"是", L"dropped"};
+        EXPECT_EQ(dlg.grid.InsertOneprop(dlg.grid.GetRowCount(), texts), 1);
+        EXPECT_EQ(dlg.grid.GetRowCount(), 2);
+        EXPECT_EQ(dlg.grid.GetItemText(1, 1), CString(L"031001001001"));
+        EXPECT_EQ(dlg.grid.GetItemText(1, 5), CString(L"是"));
+        dlg.grid.SetItemData(1, 1, 1);
+        dlg.grid.SetItemData(1, 0, 12);
+        EXPECT_EQ(dlg.grid.GetItemData(1, 1), 1);
+        EXPECT_EQ(dlg.grid.GetItemData(1, 0), 12);
+        EXPECT_EQ(dlg.grid.GetItemData(2, 1), 0); // past the last row reads 0
+        EXPECT_FALSE(dlg.grid.IsValid(2, 1));
+
+        dlg.grid.SetItemBkColour(1, 1, RGB(0xFF, 0xFF, 0x80));
+        EXPECT_EQ(dlg.grid.GetItemBkColour(1, 1), 0x80FFFFu);
+        EXPECT_EQ(dlg.grid.GetItemBkColour(1, 2), CLR_DEFAULT);
+        EXPECT_EQ(dlg.grid.GetTextBkColor(), 0xE0FFFFu);
+
+        dlg.grid.SetItemState(1, 1, dlg.grid.GetItemState(1, 1) | GVIS_READONLY);
+        EXPECT_TRUE(dlg.grid.GetItemState(1, 1) & GVIS_READONLY);
+        EXPECT_TRUE(dlg.grid.GetItemState(0, 1) & GVIS_FIXED);
+        EXPECT_EQ(dlg.grid.GetCellType(1, 3), GVCT_DROPLIST);
+        dlg.grid.SetCellType(1, 3, GVCT_EDIT);
+        EXPECT_EQ(dlg.grid.GetCellType(1, 3), GVCT_EDIT);
+        dlg.grid.SetCellType(1, 3, GVCT_DROPLIST);
+
+        dlg.grid.SetSelectedRange(1, 1, 1, 5);
+        CCellRange range = dlg.grid.GetSelectedCellRange();
+        EXPECT_EQ(range, CCellRange(1, 1, 1, 5));
+        EXPECT_TRUE(dlg.grid.IsCellSelected(1, 3));
+        dlg.grid.SetSelectedRange(2, 1, 2, 5); // a row that isn't there selects nothing
+        EXPECT_FALSE(dlg.grid.GetSelectedCellRange().IsValid());
+        dlg.grid.SetFocusCell(1, 2);
+        EXPECT_EQ(dlg.grid.GetFocusCell(), CCellID(1, 2));
+
+        EXPECT_EQ(dlg.grid.InsertRow(L"", 1), 1);
+        EXPECT_EQ(dlg.grid.GetItemText(2, 1), CString(L"031001001001"));
+        EXPECT_TRUE(dlg.grid.DeleteRow(1));
+        EXPECT_TRUE(dlg.grid.DeleteNonFixedRows());
+        EXPECT_EQ(dlg.grid.GetRowCount(), 1);
+        EXPECT_TRUE(dlg.grid.DeleteAllItems());
+        EXPECT_EQ(dlg.grid.GetColumnCount(), 0);
+        EXPECT_EQ(dlg.grid.GetFixedRowCount(), 0);
+        EXPECT_TRUE(dlg.log.empty()); // no program call tells the parent anything
+    });
+}
+
+TEST(UiGrid, UserEditsTellTheParentWhatChanged) {
+    GridDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        dlg.grid.InsertOneprop(1, CStringArray{L"A1", L"名称", L"m", L"", L"否"});
+        dlg.grid.SetItemState(1, 1, GVIS_READONLY);
+
+        dlg.grid.UserClickCell(1, 4);
+        EXPECT_EQ(dlg.log, (Log{"N50002:-2 r=1 c=4 t="}));
+        EXPECT_FALSE(dlg.grid.IsEditing()); // a button cell opens no editor of its own
+        EXPECT_FALSE(dlg.grid.UserEditCell(1, 4, L"1+1"));
+        EXPECT_FALSE(dlg.grid.UserEditCell(1, 1, L"B2"));     // read-only
+        EXPECT_FALSE(dlg.grid.UserEditCell(0, 2, L"header")); // fixed
+
+        dlg.log.clear();
+        EXPECT_TRUE(dlg.grid.UserChooseOption(1, 3, 1)); // the options function's "个"
+        EXPECT_EQ(dlg.grid.GetItemText(1, 3), CString(L"个"));
+        EXPECT_EQ(dlg.log, (Log{"N50002:1 r=1 c=3 t=个", "N50002:-176 r=1 c=3 t=个"}));
+
+        // The same text again: the edit ends, but nothing changed.
+        dlg.log.clear();
+        EXPECT_TRUE(dlg.grid.UserEditCell(1, 3, L"个"));
+        EXPECT_EQ(dlg.log, (Log{"N50002:-176 r=1 c=3 t=个"}));
+        EXPECT_FALSE(dlg.grid.UserEditCell(1, 3, L"吨")); // not an option of a drop list
+
+        // A drop-down takes any text; a plain cell takes typing.
+        dlg.log.clear();
+        EXPECT_TRUE(dlg.grid.UserEditCell(1, 5, L"部分"));
+        EXPECT_TRUE(dlg.grid.UserEditCell(1, 2, L"新名称"));
+        EXPECT_EQ(dlg.log, (Log{"N50002:1 r=1 c=5 t=部分", "N50002:-176 r=1 c=5 t=部分",
+                                "N50002:1 r=1 c=2 t=新名称", "N50002:-176 r=1 c=2 t=新名称"}));
+
+        // A handler may write the cell and the grid again inside the notice.
+        dlg.log.clear();
+        dlg.onNotify = [&](UINT, NMHDR* h) {
+            if (h->code == static_cast<UINT>(GVN_CELLCHANGE)) {
+                auto* nm = reinterpret_cast<NM_GRIDVIEW*>(h);
+                dlg.grid.SetItemText(nm->iRow, 2, nm->text + L"!");
+            }
+        };
+        EXPECT_TRUE(dlg.grid.UserChooseOption(1, 3, 0));
+        EXPECT_EQ(dlg.grid.GetItemText(1, 2), CString(L"m!"));
+        dlg.onNotify = nullptr;
+
+        dlg.grid.SetEditable(FALSE);
+        EXPECT_FALSE(dlg.grid.UserEditCell(1, 2, L"locked"));
+        EXPECT_EQ(dlg.grid.GetItemText(1, 2), CString(L"m!"));
+    });
+}
+
+TEST(UiGrid, EnterEndsTheEditAndWalksOnOnlyWhenAsked) {
+    GridDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        dlg.grid.InsertOneprop(1, CStringArray{L"A1", L"n1", L"m", L"", L""});
+        dlg.grid.InsertOneprop(2, CStringArray{L"A2", L"n2", L"m", L"", L""});
+        dlg.grid.SetItemState(2, 1, GVIS_READONLY);
+
+        ASSERT_TRUE(dlg.grid.GetAutoEnterNext());
+        EXPECT_TRUE(dlg.grid.UserEditCell(1, 5, L"x"));
+        EXPECT_EQ(dlg.grid.GetFocusCell(), CCellID(2, 2)); // the read-only cell is skipped
+
+        dlg.grid.SetAutoEnterNext(false);
+        EXPECT_TRUE(dlg.grid.UserEditCell(1, 2, L"y"));
+        EXPECT_EQ(dlg.grid.GetFocusCell(), CCellID(1, 2));
+
+        // Focus to the grid ends an open edit and keeps its text.
+        dlg.log.clear();
+        dlg.grid.SetFocusCell(2, 2);
+        dlg.grid.UserPressKey(Qt::Key_F2);
+        ASSERT_TRUE(dlg.grid.IsEditing());
+        dlg.grid.SetFocus();
+        EXPECT_FALSE(dlg.grid.IsEditing());
+        EXPECT_EQ(dlg.log, (Log{"N50002:-176 r=2 c=2 t=n2"}));
+    });
+}
