@@ -6,6 +6,10 @@
 
 #include <memory>
 
+// The dialog layer's window and rectangle; only the GUI part of the library defines them.
+class CWnd;
+struct CRect;
+
 class CAutoQdDeConfigFacade {
 public:
     // Generates "AttrConfig.xml" in the configuration folder.
@@ -15,4 +19,8 @@ public:
     // Stamps the file's root with the project's mode and libraries and puts the binary head
     // ahead of it. A file that can't be opened or has no configuration root is left alone.
     static void WriteHead(const CString& file);
+    // Runs the workbench modally on the project's current configuration and returns when it
+    // is closed. Both arguments are ignored: the workbench centres on the application's frame.
+    // Defined by the GUI part of the library (workbench/).
+    static void StartQdDeConfig(CWnd* parent, const CRect& rect);
 };

@@ -181,6 +181,23 @@ bool CAtt::GetDropList(const CString& key, CStringArray& items) const {
     return true;
 }
 
+bool CAtt::GetDropList(const CString& code, CStringArray& items, const CStringArray& keys) const {
+    const HostData* host = Host();
+    if (!host)
+        return false;
+    for (const CString& key : keys) {
+        if (key.IsEmpty())
+            continue;
+        for (const auto& spec : host->catalog)
+            for (const auto& large : spec.larges)
+                for (const auto& small : large.smalls)
+                    for (const auto& attribute : small.attributes)
+                        if (attribute.code == code && attribute.dropKey == key)
+                            return GetDropList(key, items);
+    }
+    return false;
+}
+
 bool CSysSmallCategoryMng::GetAttributeList(CStringArray& list) const {
     const HostSmallCategory* small = FindSmall(m_id);
     if (!small)

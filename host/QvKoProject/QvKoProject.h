@@ -68,6 +68,10 @@ public:
 
     // The drop-down list of an attribute by its key; false when there is none.
     bool GetDropList(const CString& key, CStringArray& items) const;
+    // The drop-down list of the attribute with this code, reached through the drop keys of a
+    // small category's attributes (keys, in record order): the first key that an attribute of
+    // this code uses in the catalog. False when none of them does.
+    bool GetDropList(const CString& code, CStringArray& items, const CStringArray& keys) const;
 };
 
 class CSysSmallCategoryMng {

@@ -1,0 +1,698 @@
+// The workbench driven by control id as a user drives it, on a host world built here.
+
+#include "host/ui/KoCommonUi/KoCommonUi.h"
+#include "platform/FileSystem.h"
+#include "presenter/CAutoQdDeConfigFacade.h"
+#include "presenter/CQdDeConfigPresenter.h"
+#include "support/TestHost.h"
+#include "support/ui/QtTestApp.h"
+#include "ui/ModalHook.h"
+#include "workbench/CAutoConfigDlg.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <stdexcept>
+
+using namespace AutoConfigIds;
+using koqdde::ui::ClickDlgItem;
+using koqdde::ui::ModalHookScope;
+
+namespace {
+
+const wchar_t* const kBillLib = L"{BILL-2013}";
+const wchar_t* const kBillQuotaLib = L"{QUOTA-2018}";
+const wchar_t* const kQuotaLib = L"{QUOTA-2016}";
+
+HostSmallCategory& Small(TestHost& host, const CString& large, const CString& small) {
+    for (auto& spec : host.data.catalog)
+        for (auto& l : spec.larges)
+            for (auto& s : l.smalls)
+                if (l.name == large && s.name == small)
+                    return s;
+    throw std::logic_error("no such category");
+}
+
+// 给排水: 管道 (给水管 with pipe fittings, 配管配线, 排水管), 阀门 (阀门).
+void Catalog(TestHost& host, int mode = 0) {
+    host.Add(L"给排水", L"管道", L"给水管", 1, 101);
+    host.Add(L"给排水", L"管道", L"配管配线", 1, 102);
+    host.Add(L"给排水", L"管道", L"排水管", 1, 103);
+    host.Add(L"给排水", L"阀门", L"阀门", 2, 201);
+    HostSmallCategory& water = Small(host, L"管道", L"给水管");
+    water.attType = 1;
+    water.attributes = {{L"GDCZ", L"材质", L"给水管材质", L"CZ"},
+                        {L"GDGJ", L"管径(mm)", L"管径", L"GJ"},
+                        {L"BWCZ", L"保温材质", L"", L"BWCZ"},
+                        {L"XTBH", L"系统编号", L"", L"XTBH"}};
+    Small(host, L"管道", L"排水管").attributes = {{L"GDCZ", L"材质", L"排水管材质", L"CZ"}};
+    host.data.dropLists[L"给水管材质"] = {L"镀锌钢管", L"PP-R管"};
+    host.data.dropLists[L"排水管材质"] = {L"UPVC管", L"铸铁管"};
+    host.data.dropLists[L"管径"] = {L"DN15", L"DN20"};
+    host.data.project.mode = mode;
+    host.data.project.bill.code = kBillLib;
+    host.data.project.billQuota.code = kBillQuotaLib;
+    host.data.project.quota.code = kQuotaLib;
+}
+
+CPath Category(int large, int small, int config = CPath::kNone) {
+    CPath path;
+    path.SpecId = 2;
+    path.LMemberId = large;
+    path.SMemberId = small;
+    path.ConfigId = config;
+    return path;
+}
+
+QdStruct Bill(const CString& number, const CString& name, const CString& unit,
+              const CString& library, const CString& annex = L"") {
+    QdStruct qd;
+    qd.strQdId = number;
+    qd.strQdIdUser = L"user-" + number;
+    qd.strName = name;
+    qd.strUnit = unit;
+    qd.strUnitCode = L"999";
+    qd.strQdCode = library;
+    qd.strFormula = L"L";
+    qd.strAnnex = annex;
+    return qd;
+}
+
+DeStruct Quota(const CString& number, const CString& name, const CString& library) {
+    DeStruct de;
+    de.strDeId = number;
+    de.strName = name;
+    de.strUnit = L"10m";
+    de.strUnitCode = L"10";
+    de.strDeCode = library;
+    de.strFormula = L"L";
+    de.strAnnex = L"否";
+    return de;
+}
+
+template <class T> T& Ctl(CDialog& dialog, int id) {
+    auto* control = dynamic_cast<T*>(dialog.GetDlgItem(id));
+    if (!control)
+        throw std::logic_error("control " + std::to_string(id) + " is missing or of another class");
+    return *control;
+}
+
+// Runs the workbench on the project's current configuration. body drives it; the run ends as
+// body leaves it (Esc sends WM_CLOSE; a body that ends nothing leaves without the way out).
+void RunWorkbench(const std::function<void(CDialog&)>& body) {
+    int runs = 0;
+    ModalHookScope hook([&](CDialog& dialog) {
+        if (!dynamic_cast<CAutoConfigDlg*>(&dialog))
+            return IDCANCEL;
+        ++runs;
+        body(dialog);
+        return dialog.GetEndResult();
+    });
+    CAutoConfigDlg workbench(CString(), nullptr);
+    workbench.DoModal();
+    EXPECT_EQ(runs, 1);
+}
+
+void PressEsc(CDialog& dialog) {
+    dialog.SendMessage(WM_CLOSE);
+}
+
+HTREEITEM FindItem(CTreeCtrl& tree, std::initializer_list<const wchar_t*> names) {
+    HTREEITEM item = tree.GetRootItem();
+    for (const wchar_t* name : names) {
+        item = tree.GetChildItem(item);
+        while (item && tree.GetItemText(item) != name)
+            item = tree.GetNextSiblingItem(item);
+        if (!item)
+            throw std::logic_error("no tree item");
+    }
+    return item;
+}
+
+void SelectLeaf(CDialog& dialog, std::initializer_list<const wchar_t*> names) {
+    CTreeCtrl& tree = Ctl<CTreeCtrl>(dialog, kTree);
+    tree.UserSelect(FindItem(tree, names));
+}
+
+std::vector<CString> Column(CDialog& dialog, int column) {
+    CListCtrl& list = Ctl<CListCtrl>(dialog, kConfigList);
+    std::vector<CString> texts;
+    for (int row = 0; row < list.GetItemCount(); ++row)
+        texts.push_back(list.GetItemText(row, column));
+    return texts;
+}
+
+std::vector<CString> Entries(CDialog& dialog, int id) {
+    CListBox& list = Ctl<CListBox>(dialog, id);
+    std::vector<CString> texts;
+    for (int row = 0; row < list.GetCount(); ++row)
+        texts.push_back(list.GetText(row));
+    return texts;
+}
+
+std::vector<CString> Options(CDialog& dialog, int id) {
+    CComboBox& combo = Ctl<CComboBox>(dialog, id);
+    std::vector<CString> texts;
+    for (int i = 0; i < combo.GetCount(); ++i)
+        texts.push_back(combo.GetLBText(i));
+    return texts;
+}
+
+int SelectedConfigRow(CDialog& dialog) {
+    return Ctl<CListCtrl>(dialog, kConfigList).GetNextItem(-1, LVNI_SELECTED);
+}
+
+bool Enabled(CDialog& dialog, int id) {
+    return dialog.GetDlgItem(id)->IsWindowEnabled() != FALSE;
+}
+
+void ChooseAttribute(CDialog& dialog, const CString& name) {
+    CListBox& list = Ctl<CListBox>(dialog, kAttributeList);
+    list.UserSelect(list.FindStringExact(-1, name));
+}
+
+int CountConditions(CDialog& dialog) {
+    return Ctl<CListBox>(dialog, kConditionList).GetCount();
+}
+
+// The configurations of a category as the file holds them now.
+std::vector<ConfigNode*> SavedConfigs(CQdDeConfigPresenter& presenter, const CPath& category) {
+    std::vector<ConfigNode*> configs;
+    presenter.GetConfig(category, configs);
+    return configs;
+}
+
+} // namespace
+
+TEST(Workbench, OpensOnAFreshConfigurationFolder) {
+    TestHost host;
+    Catalog(host);
+    RunWorkbench([&](CDialog& dlg) {
+        EXPECT_EQ(dlg.GetWindowText(), L"自动套配置-[ 清单模式: DefaultConfig ]");
+        EXPECT_EQ(dlg.GetDlgItem(kPick)->GetWindowText(), L"套清单>>");
+
+        // Only the current specialty, expanded, without wiring categories; the first leaf is
+        // selected.
+        CTreeCtrl& tree = Ctl<CTreeCtrl>(dlg, kTree);
+        HTREEITEM root = tree.GetRootItem();
+        EXPECT_EQ(tree.GetItemText(root), L"给排水");
+        EXPECT_EQ(tree.GetNextSiblingItem(root), nullptr);
+        EXPECT_EQ(tree.GetItemData(root), 2);
+        HTREEITEM pipes = tree.GetChildItem(root);
+        EXPECT_TRUE(tree.IsExpanded(pipes));
+        std::vector<CString> leaves;
+        for (HTREEITEM item = tree.GetChildItem(pipes); item; item = tree.GetNextSiblingItem(item))
+            leaves.push_back(tree.GetItemText(item));
+        EXPECT_EQ(leaves, (std::vector<CString>{L"给水管", L"排水管"}));
+        EXPECT_EQ(tree.GetSelectedItem(), tree.GetChildItem(pipes));
+        EXPECT_EQ(tree.GetItemData(tree.GetSelectedItem()), 101);
+
+        // The fresh category has its default configuration only, selected, and locked.
+        EXPECT_EQ(Column(dlg, 0), std::vector<CString>{L"1"});
+        EXPECT_EQ(Column(dlg, 1), std::vector<CString>{L"其它"});
+        EXPECT_EQ(SelectedConfigRow(dlg), 0);
+        for (int id : {kAttributeList, kConditionList, kConditionAdd, kConditionDelete, kValue,
+                       kCopyConfig, kDelConfig})
+            EXPECT_FALSE(Enabled(dlg, id)) << id;
+        for (int id : {kAddConfig, kMoveUp, kMoveDown, kPick, kDeleteRows})
+            EXPECT_TRUE(Enabled(dlg, id)) << id;
+
+        // Attributes of the category, then the whole component.
+        EXPECT_EQ(
+            Entries(dlg, kAttributeList),
+            (std::vector<CString>{L"材质", L"管径(mm)", L"保温材质", L"系统编号", L"具体构件"}));
+        EXPECT_EQ(Ctl<CListBox>(dlg, kAttributeList).GetCurSel(), 0);
+        EXPECT_EQ(Options(dlg, kValue), (std::vector<CString>{L"镀锌钢管", L"PP-R管"}))
+            << "the drop-down list of 材质";
+        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{});
+
+        // Page 取值 shows, page 范围 waits hidden.
+        CTabCtrl& tab = Ctl<CTabCtrl>(dlg, kValueTab);
+        EXPECT_EQ(tab.GetItemCount(), 2);
+        EXPECT_EQ(tab.GetItemText(0), L"取值");
+        EXPECT_EQ(tab.GetItemText(1), L"范围");
+        EXPECT_EQ(tab.GetCurSel(), 0);
+        EXPECT_TRUE(dlg.GetDlgItem(kValue)->IsWindowVisible());
+        EXPECT_FALSE(dlg.GetDlgItem(kRange1)->IsWindowVisible());
+        EXPECT_EQ(Options(dlg, kEqualOp).size(), 2u);
+
+        // A pipe category: six columns, with the fittings column.
+        CGridCtrl& grid = Ctl<CGridCtrl>(dlg, kGrid);
+        EXPECT_EQ(grid.GetColumnCount(), 6);
+        EXPECT_EQ(grid.GetRowCount(), 1);
+        EXPECT_EQ(grid.GetItemText(0, 1), L"清单/定额编号");
+        EXPECT_EQ(grid.GetItemText(0, 5), L"带管道配件");
+
+        PressEsc(dlg);
+        EXPECT_TRUE(dlg.IsEnded());
+        EXPECT_EQ(dlg.GetEndResult(), IDCANCEL);
+    });
+    EXPECT_TRUE(PathExists(host.DefaultConfigFile()));
+    EXPECT_TRUE(host.messages.Messages().empty());
+}
+
+TEST(Workbench, SelectingCategoriesRowsAndAttributesRebuildsThePanes) {
+    TestHost host;
+    Catalog(host);
+    // Attribute settings: an identifier is not comparable, a diameter is; 保温材质 has no type
+    // and so no setting.
+    host.dir.Write(L"config/AttributeInformation.xml",
+                   "<?xml version=\"1.0\" encoding=\"UTF-8\"?><属性参数信息>"
+                   "<CZ type=\"1\"/><GJ type=\"9\"/><XTBH type=\"10\"/></属性参数信息>");
+    CAutoQdDeConfigFacade::AttrConfig();
+    {
+        CQdDeConfigPresenter presenter;
+        AttrConfig setting;
+        ASSERT_TRUE(presenter.GetAttConfig(L"给排水\\管道\\给水管", L"系统编号", setting));
+        ASSERT_EQ(setting.compar, 0);
+        int id = -1;
+        ASSERT_TRUE(presenter.AddConfig(Category(1, 101), id));
+        ASSERT_TRUE(presenter.AddCondition(
+            Category(1, 101, id), {L"材质", L"1", L"＝", L"", L"", L"镀锌钢管", L"", L""}));
+        ASSERT_TRUE(presenter.Save());
+    }
+    RunWorkbench([&](CDialog& dlg) {
+        EXPECT_EQ(Column(dlg, 1), (std::vector<CString>{L"材质＝镀锌钢管;", L"其它"}));
+        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{L"材质＝镀锌钢管"});
+        EXPECT_TRUE(Enabled(dlg, kCopyConfig));
+        EXPECT_TRUE(Enabled(dlg, kConditionAdd));
+
+        // The default row locks the editor and the copy and delete commands.
+        Ctl<CListCtrl>(dlg, kConfigList).UserClickItem(1);
+        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{});
+        EXPECT_FALSE(Enabled(dlg, kCopyConfig));
+        EXPECT_FALSE(Enabled(dlg, kDelConfig));
+        EXPECT_FALSE(Enabled(dlg, kConditionAdd));
+        Ctl<CListCtrl>(dlg, kConfigList).UserClickItem(0);
+        EXPECT_TRUE(Enabled(dlg, kDelConfig));
+
+        // A click on the empty part clears the selection and leaves the panes as they were.
+        Ctl<CListCtrl>(dlg, kConfigList).UserClickEmpty();
+        EXPECT_EQ(SelectedConfigRow(dlg), -1);
+        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{L"材质＝镀锌钢管"});
+        Ctl<CListCtrl>(dlg, kConfigList).UserClickItem(0);
+
+        // Attributes: a drop-down list, free text, the whole component.
+        ChooseAttribute(dlg, L"管径(mm)");
+        EXPECT_EQ(Options(dlg, kValue), (std::vector<CString>{L"DN15", L"DN20"}));
+        EXPECT_TRUE(Enabled(dlg, kValueTab)) << "comparable";
+        Ctl<CComboBox>(dlg, kValue).UserType(L"DN25");
+        Ctl<CTabCtrl>(dlg, kValueTab).UserSelect(1);
+        EXPECT_TRUE(dlg.GetDlgItem(kRange1)->IsWindowVisible());
+        EXPECT_FALSE(dlg.GetDlgItem(kValue)->IsWindowVisible());
+        Ctl<CComboBox>(dlg, kRange1).UserType(L"15");
+
+        // Not comparable: back to page 取值, and the tab is locked there.
+        ChooseAttribute(dlg, L"系统编号");
+        EXPECT_EQ(Options(dlg, kValue), std::vector<CString>{});
+        EXPECT_EQ(Ctl<CComboBox>(dlg, kValue).GetWindowText(), L"")
+            << "a change of attribute drops what was typed";
+        EXPECT_EQ(Ctl<CTabCtrl>(dlg, kValueTab).GetCurSel(), 0);
+        EXPECT_TRUE(dlg.GetDlgItem(kValue)->IsWindowVisible());
+        EXPECT_FALSE(Enabled(dlg, kValueTab));
+
+        // No setting recorded: the tab is free and keeps its page.
+        ChooseAttribute(dlg, L"保温材质");
+        EXPECT_TRUE(Enabled(dlg, kValueTab));
+        Ctl<CTabCtrl>(dlg, kValueTab).UserSelect(1);
+        ChooseAttribute(dlg, L"具体构件");
+        EXPECT_EQ(Ctl<CTabCtrl>(dlg, kValueTab).GetCurSel(), 1);
+        EXPECT_TRUE(Enabled(dlg, kValueTab));
+        EXPECT_EQ(Ctl<CComboBox>(dlg, kRange1).GetWindowText(), L"15")
+            << "the bounds survive every change";
+
+        // Another leaf: its own configurations, attributes and a five-column grid.
+        SelectLeaf(dlg, {L"管道", L"排水管"});
+        EXPECT_EQ(Column(dlg, 1), std::vector<CString>{L"其它"});
+        EXPECT_EQ(Entries(dlg, kAttributeList), (std::vector<CString>{L"材质", L"具体构件"}));
+        EXPECT_EQ(Options(dlg, kValue), (std::vector<CString>{L"UPVC管", L"铸铁管"}));
+        EXPECT_EQ(Ctl<CGridCtrl>(dlg, kGrid).GetColumnCount(), 5);
+        EXPECT_EQ(Ctl<CComboBox>(dlg, kRange1).GetWindowText(), L"15");
+
+        // A large category changes nothing on the right, and the commands that need a leaf
+        // do nothing.
+        SelectLeaf(dlg, {L"阀门"});
+        EXPECT_EQ(Column(dlg, 1), std::vector<CString>{L"其它"});
+        EXPECT_EQ(Entries(dlg, kAttributeList), (std::vector<CString>{L"材质", L"具体构件"}));
+        ClickDlgItem(dlg, kAddConfig);
+        EXPECT_EQ(Column(dlg, 1), std::vector<CString>{L"其它"});
+
+        SelectLeaf(dlg, {L"阀门", L"阀门"});
+        EXPECT_EQ(Entries(dlg, kAttributeList), std::vector<CString>{L"具体构件"});
+        EXPECT_EQ(Ctl<CGridCtrl>(dlg, kGrid).GetColumnCount(), 5);
+    });
+    EXPECT_TRUE(host.messages.Messages().empty());
+}
+
+TEST(Workbench, MeasuredAttributesFollowTheCategoryRules) {
+    TestHost host;
+    host.data.project.currentSpec = L"电气";
+    host.Add(L"电气", L"配电箱柜", L"配电箱柜");
+    host.Add(L"电气", L"配电箱柜", L"元件装置");
+    host.Add(L"电气", L"电缆桥架", L"桥架");
+    host.Add(L"电气", L"配管配线", L"导线·导管");
+    host.Add(L"电气", L"配管配线", L"线槽配线");
+    RunWorkbench([&](CDialog& dlg) {
+        EXPECT_EQ(Entries(dlg, kAttributeList), (std::vector<CString>{L"半周长(mm)", L"具体构件"}));
+        SelectLeaf(dlg, {L"配电箱柜", L"元件装置"});
+        EXPECT_EQ(Entries(dlg, kAttributeList), std::vector<CString>{L"具体构件"});
+        SelectLeaf(dlg, {L"电缆桥架", L"桥架"});
+        EXPECT_EQ(Entries(dlg, kAttributeList),
+                  (std::vector<CString>{L"宽+高(mm)", L"宽+高×2(mm)", L"具体构件"}));
+        CTreeCtrl& tree = Ctl<CTreeCtrl>(dlg, kTree);
+        HTREEITEM wiring = FindItem(tree, {L"配管配线"});
+        EXPECT_EQ(tree.GetItemText(tree.GetChildItem(wiring)), L"线槽配线");
+        EXPECT_EQ(tree.GetNextSiblingItem(tree.GetChildItem(wiring)), nullptr);
+    });
+
+    TestHost hvac;
+    hvac.data.project.currentSpec = L"暖通";
+    hvac.Add(L"暖通", L"风管", L"矩形风管");
+    hvac.Add(L"暖通", L"风管部件", L"风阀");
+    RunWorkbench([&](CDialog& dlg) {
+        const std::vector<CString> duct{L"周长(mm)", L"长边(mm)", L"直径(mm)", L"具体构件"};
+        EXPECT_EQ(Entries(dlg, kAttributeList), duct);
+        SelectLeaf(dlg, {L"风管部件", L"风阀"});
+        EXPECT_EQ(Entries(dlg, kAttributeList), duct) << "a substring test on the path";
+    });
+}
+
+TEST(Workbench, ConditionsAreAddedReplacedAndDeletedUnderTheRangeRules) {
+    TestHost host;
+    Catalog(host);
+    RunWorkbench([&](CDialog& dlg) {
+        ClickDlgItem(dlg, kAddConfig);
+        ASSERT_EQ(Column(dlg, 1), (std::vector<CString>{L"", L"其它"}));
+        ASSERT_EQ(SelectedConfigRow(dlg), 0) << "the new configuration";
+        ASSERT_TRUE(Enabled(dlg, kConditionAdd));
+
+        // Page 取值: an empty value is refused; a value is added, a second one replaces it.
+        ChooseAttribute(dlg, L"材质");
+        ClickDlgItem(dlg, kConditionAdd);
+        EXPECT_EQ(CountConditions(dlg), 0);
+        CComboBox& op = Ctl<CComboBox>(dlg, kEqualOp);
+        op.UserSelect(op.FindStringExact(-1, L"＝"));
+        Ctl<CComboBox>(dlg, kValue).UserSelect(0);
+        ClickDlgItem(dlg, kConditionAdd);
+        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{L"材质＝镀锌钢管"});
+        EXPECT_EQ(Column(dlg, 1)[0], L"材质＝镀锌钢管;");
+        EXPECT_EQ(SelectedConfigRow(dlg), 0);
+        Ctl<CComboBox>(dlg, kValue).UserType(L"不锈钢管");
+        ClickDlgItem(dlg, kConditionAdd);
+        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{L"材质＝不锈钢管"});
+
+        // Page 范围: too narrow or empty ranges are refused.
+        ChooseAttribute(dlg, L"管径(mm)");
+        Ctl<CTabCtrl>(dlg, kValueTab).UserSelect(1);
+        CComboBox& lower = Ctl<CComboBox>(dlg, kRange1);
+        CComboBox& upper = Ctl<CComboBox>(dlg, kRange2);
+        CComboBox& lowerOp = Ctl<CComboBox>(dlg, kRangeOp1);
+        CComboBox& upperOp = Ctl<CComboBox>(dlg, kRangeOp2);
+        lowerOp.UserSelect(lowerOp.FindStringExact(-1, L"＞"));
+        upperOp.UserSelect(upperOp.FindStringExact(-1, L"≤"));
+        for (auto [low, high] : {std::pair{L"", L""},
+                                 {L"10", L"10"},
+                                 {L"20", L"10"},
+                                 {L"0.1", L"0.11"},
+                                 {L"10", L"10.01"}}) {
+            lower.UserType(low);
+            upper.UserType(high);
+            ClickDlgItem(dlg, kConditionAdd);
+            EXPECT_EQ(CountConditions(dlg), 1)
+                << ToUtf8(CString(low)) << ".." << ToUtf8(CString(high));
+        }
+        lower.UserType(L"1");
+        upper.UserType(L"1.01");
+        ClickDlgItem(dlg, kConditionAdd);
+        EXPECT_EQ(Entries(dlg, kConditionList),
+                  (std::vector<CString>{L"材质＝不锈钢管", L"1＜管径(mm)≤1.01"}));
+        // One open bound: any text goes, the other side's operator is still stored.
+        lower.UserType(L"大");
+        upper.UserType(L"");
+        ClickDlgItem(dlg, kConditionAdd);
+        EXPECT_EQ(Entries(dlg, kConditionList)[1], L"管径(mm)＞大");
+
+        // The search for an attribute's condition is by substring: 材质 finds 保温材质's row
+        // when that row comes first.
+        Ctl<CListBox>(dlg, kConditionList).UserSelect(0);
+        ClickDlgItem(dlg, kConditionDelete);
+        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{L"管径(mm)＞大"});
+        ChooseAttribute(dlg, L"保温材质");
+        Ctl<CTabCtrl>(dlg, kValueTab).UserSelect(0);
+        Ctl<CComboBox>(dlg, kValue).UserType(L"橡塑");
+        ClickDlgItem(dlg, kConditionAdd);
+        ChooseAttribute(dlg, L"材质");
+        Ctl<CComboBox>(dlg, kValue).UserSelect(1);
+        ClickDlgItem(dlg, kConditionAdd);
+        EXPECT_EQ(Entries(dlg, kConditionList),
+                  (std::vector<CString>{L"管径(mm)＞大", L"材质＝PP-R管"}));
+
+        // The whole component takes a range as well.
+        ChooseAttribute(dlg, L"具体构件");
+        Ctl<CTabCtrl>(dlg, kValueTab).UserSelect(1);
+        lower.UserType(L"");
+        upper.UserType(L"3");
+        ClickDlgItem(dlg, kConditionAdd);
+        EXPECT_EQ(Entries(dlg, kConditionList).size(), 3u);
+        PressEsc(dlg);
+    });
+
+    CQdDeConfigPresenter presenter;
+    auto configs = SavedConfigs(presenter, Category(1, 101));
+    ASSERT_EQ(configs.size(), 2u);
+    EXPECT_EQ(configs[0]->GetConditionString(), L"管径(mm)＞大;材质＝PP-R管;具体构件≤3;");
+    ConditionNode* open = configs[0]->GetCondition()[0];
+    EXPECT_EQ(open->GetRangeOperator2(), L"≤") << "the open side's operator is kept";
+    EXPECT_EQ(open->GetRange2(), L"");
+}
+
+namespace {
+
+// 给水管: a new configuration (id 2, first in the list) and the default one with
+//   bill 1 "031001001001" of this library, with quota 1 of the bill's quota library and
+//        quota 2 of another library,
+//   bill 2 of another bill library,
+//   bill 3 "031001006001" with the unit " 2m",
+//   quota 1 directly under the configuration (the quota mode's library);
+// 排水管: the default configuration with a bill that carries pipe fittings.
+void BillsAndQuotas() {
+    CQdDeConfigPresenter presenter;
+    int id = -1;
+    ASSERT_TRUE(presenter.AddConfig(Category(1, 101), id));
+    CPath water = Category(1, 101, 1);
+    std::vector<ConfigNode*> configs;
+    ASSERT_TRUE(
+        presenter.AddQd(Bill(L"031001001001", L"镀锌钢管", L"m", kBillLib, L"是"), water, configs));
+    ASSERT_TRUE(presenter.AddQd(Bill(L"031001002001", L"钢管", L"m", L"{OTHER}"), water, configs));
+    ASSERT_TRUE(
+        presenter.AddQd(Bill(L"031001006001", L"塑料管", L" 2m", kBillLib), water, configs));
+    CPath bill1 = water;
+    bill1.QdId = 1;
+    ASSERT_TRUE(
+        presenter.AddDe2QdNode(Quota(L"10-1", L"镀锌钢管安装", kBillQuotaLib), bill1, configs));
+    ASSERT_TRUE(presenter.AddDe2QdNode(Quota(L"X-9", L"外省定额", L"{OTHER}"), bill1, configs));
+    ASSERT_TRUE(presenter.AddDe2ConfigNode(Quota(L"Z-1", L"管道安装", kQuotaLib), water, configs));
+    ASSERT_TRUE(presenter.AddDe2ConfigNode(Quota(L"Z-2", L"外省管道", L"{OTHER}"), water, configs));
+    ASSERT_TRUE(presenter.AddQd(Bill(L"031001005001", L"铸铁管", L"m", kBillLib, L"是"),
+                                Category(1, 103, 1), configs));
+    ASSERT_TRUE(presenter.Save());
+}
+
+void ClickConfigRow(CDialog& dialog, int row) {
+    Ctl<CListCtrl>(dialog, kConfigList).UserClickItem(row);
+}
+
+} // namespace
+
+TEST(WorkbenchGrid, BillModeShowsThisLibrarysItemsAndCommitsUnitsAndFormulasAtOnce) {
+    TestHost host;
+    Catalog(host);
+    BillsAndQuotas();
+    RunWorkbench([&](CDialog& dlg) {
+        CGridCtrl& grid = Ctl<CGridCtrl>(dlg, kGrid);
+        EXPECT_EQ(grid.GetRowCount(), 1) << "the new, empty configuration comes first";
+        ClickConfigRow(dlg, 1);
+
+        ASSERT_EQ(grid.GetRowCount(), 4);
+        EXPECT_EQ(grid.GetColumnCount(), 6);
+        const CString expected[3][6] = {{L"", L"031001001001", L"镀锌钢管", L"m", L"L", L"是"},
+                                        {L"", L"10-1", L"镀锌钢管安装", L"10m", L"L", L"否"},
+                                        {L"", L"031001006001", L"塑料管", L" 2m", L"L", L""}};
+        const LPARAM kinds[3] = {0, 1, 0};
+        const LPARAM ids[3] = {1, 1, 3};
+        for (int row = 1; row <= 3; ++row) {
+            for (int col = 1; col < 6; ++col)
+                EXPECT_EQ(grid.GetItemText(row, col), expected[row - 1][col]) << row << "," << col;
+            EXPECT_EQ(grid.GetItemData(row, 1), kinds[row - 1]) << row;
+            EXPECT_EQ(grid.GetItemData(row, 0), ids[row - 1]) << row;
+            EXPECT_TRUE(grid.GetItemState(row, 1) & GVIS_READONLY) << row;
+        }
+        // Bill rows are tinted from the number to the formula.
+        for (int col = 1; col <= 4; ++col) {
+            EXPECT_EQ(grid.GetItemBkColour(1, col), MyGridCtrl::kBillBk) << col;
+            EXPECT_NE(grid.GetItemBkColour(2, col), MyGridCtrl::kBillBk) << col;
+        }
+        EXPECT_NE(grid.GetItemBkColour(1, 5), MyGridCtrl::kBillBk);
+        EXPECT_EQ(grid.GetTextBkColor(), MyGridCtrl::kTextBk);
+        EXPECT_EQ(grid.GetSelectedCellRange(), CCellRange(1, 1, 1, 5)) << "the first bill row";
+        EXPECT_EQ(grid.GetFocusCell(), CCellID(1, 1));
+
+        // A unit is chosen from the list and committed at once; a typed name waits and is lost
+        // when the configuration row changes.
+        CStringArray units = grid.GetCellOptions(2, 3);
+        ASSERT_EQ(units.GetSize(), 14);
+        EXPECT_EQ(units[1], L"m2");
+        EXPECT_EQ(grid.GetCellOptions(1, 5).GetSize(), 2);
+        EXPECT_TRUE(grid.UserChooseOption(2, 3, 1));
+        EXPECT_TRUE(grid.UserEditCell(2, 2, L"改过的名称"));
+        ClickConfigRow(dlg, 0);
+        EXPECT_EQ(grid.GetRowCount(), 1);
+        ClickConfigRow(dlg, 1);
+        EXPECT_EQ(grid.GetItemText(2, 3), L"m2");
+        EXPECT_EQ(grid.GetItemText(2, 2), L"镀锌钢管安装");
+
+        // The calculator: a formula that does not parse is refused in the dialog; the answer
+        // replaces the cell and commits the whole row at once, typed name included.
+        int calculatorRuns = 0;
+        CString refusal;
+        {
+            ModalHookScope calculator([&](CDialog& calc) {
+                ++calculatorRuns;
+                EXPECT_EQ(calc.GetDlgItemText(CalculatorIds::kFormula), L"L");
+                EXPECT_GT(Ctl<CListBox>(calc, CalculatorIds::kVariables).GetCount(), 0);
+                for (const wchar_t* wrong : {L"L*(2+", L"Q*2", L"2..5"}) {
+                    koqdde::ui::TypeDlgItem(calc, CalculatorIds::kFormula, wrong);
+                    ClickDlgItem(calc, IDOK);
+                    EXPECT_FALSE(calc.IsEnded()) << ToUtf8(CString(wrong));
+                }
+                refusal = calc.GetDlgItemText(CalculatorIds::kError);
+                koqdde::ui::TypeDlgItem(calc, CalculatorIds::kFormula, L"L * 2 + N");
+                ClickDlgItem(calc, IDOK);
+                return calc.GetEndResult();
+            });
+            EXPECT_TRUE(grid.UserEditCell(1, 2, L"热镀锌钢管"));
+            grid.UserClickCell(1, 4);
+        }
+        EXPECT_EQ(calculatorRuns, 1);
+        EXPECT_FALSE(refusal.IsEmpty());
+        EXPECT_EQ(grid.GetItemText(1, 4), L"L * 2 + N");
+        ClickConfigRow(dlg, 0);
+        ClickConfigRow(dlg, 1);
+        EXPECT_EQ(grid.GetItemText(1, 4), L"L * 2 + N");
+        EXPECT_EQ(grid.GetItemText(1, 2), L"热镀锌钢管");
+
+        // An answer that leaves the formula as it was commits nothing; cancel neither.
+        {
+            ModalHookScope calculator([&](CDialog& calc) {
+                ClickDlgItem(calc, IDOK);
+                return calc.GetEndResult();
+            });
+            EXPECT_TRUE(grid.UserEditCell(3, 2, L"不会保存"));
+            grid.UserClickCell(3, 4);
+        }
+        {
+            ModalHookScope calculator([&](CDialog& calc) {
+                koqdde::ui::TypeDlgItem(calc, CalculatorIds::kFormula, L"N");
+                ClickDlgItem(calc, IDCANCEL);
+                return calc.GetEndResult();
+            });
+            grid.UserClickCell(3, 4);
+        }
+        EXPECT_EQ(grid.GetItemText(3, 4), L"L");
+        ClickConfigRow(dlg, 0);
+        ClickConfigRow(dlg, 1);
+        EXPECT_EQ(grid.GetItemText(3, 2), L"塑料管");
+        PressEsc(dlg);
+    });
+    EXPECT_TRUE(host.messages.Messages().empty());
+
+    CQdDeConfigPresenter presenter;
+    auto configs = SavedConfigs(presenter, Category(1, 101));
+    ASSERT_EQ(configs.size(), 2u);
+    ConfigNode* fallback = configs[1];
+    QdNode* bill = fallback->GetQd(1);
+    ASSERT_NE(bill, nullptr);
+    EXPECT_EQ(bill->m_qd.strName, L"热镀锌钢管");
+    EXPECT_EQ(bill->m_qd.strFormula, L"L * 2 + N");
+    EXPECT_EQ(bill->m_qd.strUnitCode, L"1");
+    EXPECT_EQ(bill->m_qd.strQdIdUser, L"") << "a commit writes the whole record";
+    EXPECT_EQ(bill->m_qd.strAnnex, L"是");
+    ASSERT_EQ(bill->GetDe().size(), 2u) << "the other library's quota stays";
+    EXPECT_EQ(bill->GetDe(1)->m_de.strUnit, L"m2");
+    EXPECT_EQ(bill->GetDe(1)->m_de.strUnitCode, L"1");
+    EXPECT_EQ(bill->GetDe(1)->m_de.strDeCode, kBillQuotaLib);
+    EXPECT_EQ(bill->GetDe(2)->m_de.strName, L"外省定额");
+    EXPECT_EQ(fallback->GetQd(2)->m_qd.strQdIdUser, L"user-031001002001") << "no row, no commit";
+    EXPECT_EQ(fallback->GetQd(3)->m_qd.strUnitCode, L"2") << "the unit \" 2m\" counts 2";
+    EXPECT_EQ(fallback->GetQd(3)->m_qd.strName, L"塑料管");
+    EXPECT_EQ(fallback->GetDe(1)->m_de.strUnitCode, L"10") << "not shown in the bill mode";
+}
+
+TEST(WorkbenchGrid, EditsAreLostOnARowChangeAndKeptOnATreeChange) {
+    TestHost host;
+    Catalog(host);
+    BillsAndQuotas();
+    RunWorkbench([&](CDialog& dlg) {
+        CGridCtrl& grid = Ctl<CGridCtrl>(dlg, kGrid);
+        ClickConfigRow(dlg, 1);
+        ASSERT_EQ(grid.GetRowCount(), 4);
+        EXPECT_TRUE(grid.UserEditCell(3, 2, L"PE管"));
+        EXPECT_TRUE(grid.UserEditCell(1, 5, L"否"));
+        EXPECT_FALSE(grid.UserEditCell(1, 1, L"999")) << "the number is read-only";
+
+        // Away to another leaf and back: the rows were committed on the way out.
+        SelectLeaf(dlg, {L"管道", L"排水管"});
+        EXPECT_EQ(grid.GetColumnCount(), 5);
+        ASSERT_EQ(grid.GetRowCount(), 2);
+        EXPECT_EQ(grid.GetItemText(1, 2), L"铸铁管");
+        EXPECT_TRUE(grid.UserEditCell(1, 2, L"柔性铸铁管"));
+        SelectLeaf(dlg, {L"管道"});
+        EXPECT_EQ(grid.GetItemText(1, 2), L"柔性铸铁管") << "a large category leaves the grid";
+        SelectLeaf(dlg, {L"管道", L"给水管"});
+        ClickConfigRow(dlg, 1);
+        EXPECT_EQ(grid.GetItemText(3, 2), L"PE管");
+        EXPECT_EQ(grid.GetItemText(1, 5), L"否");
+
+        // An edit left in the grid is committed by the way out.
+        EXPECT_TRUE(grid.UserEditCell(2, 2, L"钢管安装"));
+        PressEsc(dlg);
+    });
+
+    CQdDeConfigPresenter presenter;
+    ConfigNode* water = SavedConfigs(presenter, Category(1, 101))[1];
+    EXPECT_EQ(water->GetQd(3)->m_qd.strName, L"PE管");
+    EXPECT_EQ(water->GetQd(1)->m_qd.strAnnex, L"否");
+    EXPECT_EQ(water->GetQd(1)->GetDe(1)->m_de.strName, L"钢管安装");
+    ConfigNode* drain = SavedConfigs(presenter, Category(1, 103))[0];
+    EXPECT_EQ(drain->GetQd(1)->m_qd.strName, L"柔性铸铁管");
+    EXPECT_EQ(drain->GetQd(1)->m_qd.strAnnex, L"") << "a five-column grid has no fittings";
+}
+
+TEST(WorkbenchGrid, QuotaModeShowsTheConfigurationsOwnQuotas) {
+    TestHost host;
+    Catalog(host, 1);
+    BillsAndQuotas();
+    RunWorkbench([&](CDialog& dlg) {
+        EXPECT_EQ(dlg.GetWindowText(), L"自动套配置-[ 定额模式: DefaultConfig ]");
+        EXPECT_EQ(dlg.GetDlgItem(kPick)->GetWindowText(), L"套定额>>");
+        CGridCtrl& grid = Ctl<CGridCtrl>(dlg, kGrid);
+        EXPECT_EQ(grid.GetItemText(0, 1), L"定额编号");
+        EXPECT_EQ(grid.GetItemText(0, 2), L"定额名称");
+        ClickConfigRow(dlg, 1);
+        ASSERT_EQ(grid.GetRowCount(), 2) << "only the quota of this library, no bills";
+        EXPECT_EQ(grid.GetItemText(1, 1), L"Z-1");
+        EXPECT_EQ(grid.GetItemData(1, 1), 1);
+        EXPECT_NE(grid.GetItemBkColour(1, 1), MyGridCtrl::kBillBk);
+        CStringArray units = grid.GetCellOptions(1, 3);
+        EXPECT_TRUE(grid.UserChooseOption(1, 3, 5));
+        EXPECT_EQ(grid.GetItemText(1, 3), units[5]);
+        PressEsc(dlg);
+    });
+    CQdDeConfigPresenter presenter;
+    ConfigNode* water = SavedConfigs(presenter, Category(1, 101))[1];
+    EXPECT_EQ(water->GetDe(1)->m_de.strUnit, L"个");
+    EXPECT_EQ(water->GetDe(1)->m_de.strUnitCode, L"1");
+    EXPECT_EQ(water->GetDe(1)->m_de.strDeCode, kQuotaLib);
+    EXPECT_EQ(water->GetDe(2)->m_de.strName, L"外省管道");
+    EXPECT_EQ(water->GetQd(1)->m_qd.strQdIdUser, L"user-031001001001") << "bills have no rows";
+}
