@@ -25,9 +25,10 @@ build: deps $(BUILD)/build.ninja
 build-asan: deps $(BUILD_ASAN)/build.ninja
 	ninja -C $(BUILD_ASAN) -j$(JOBS)
 
-# Until the workbench exists, the main program is the command-line tool on the bundled pack.
+# The main program: the workbench on the bundled pack. Without a display it renders the
+# workbench into build/workbench.png and says so.
 run: build
-	./$(BUILD)/apps/koqdde tree
+	./$(BUILD)/apps/koqdde-workbench
 
 test-plain: build
 	cd $(BUILD) && ctest --output-on-failure -j$(JOBS)
