@@ -73,7 +73,7 @@ int CListBox::SetCurSel(int index) {
     if (!Valid(list, index)) {
         list->clearSelection();
         list->setCurrentRow(-1, QItemSelectionModel::Clear);
-        return index == -1 ? 0 : LB_ERR;
+        return LB_ERR; // also for -1, which clears without an error
     }
     list->setCurrentRow(index, QItemSelectionModel::ClearAndSelect);
     list->scrollToItem(list->item(index));

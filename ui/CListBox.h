@@ -24,7 +24,7 @@ public:
     void ResetContent();
     int GetCount() const;
     int GetCurSel() const;
-    int SetCurSel(int index); // -1 clears; LB_ERR for a bad index (the selection is cleared)
+    int SetCurSel(int index); // -1 clears; LB_ERR for -1 or a bad index (both clear)
     int GetText(int index, CString& text) const; // length, or LB_ERR
     CString GetText(int index) const;
     int GetTextLen(int index) const;
