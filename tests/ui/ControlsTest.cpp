@@ -366,3 +366,87 @@ TEST(UiControls, ListViewRefreshInsideItsOwnNoticeEndsTheOuterChange) {
                                 "N1011:-101 item=0 sel=0 +S"}));
     });
 }
+
+namespace {
+// A list box that names the entry under the pointer in its tip, as a list of long rows does.
+class TipList : public CListBox {
+public:
+    LPARAM OnToolHitTest(CPoint point, TOOLINFO* info) const override {
+        BOOL outside = FALSE;
+        const int index = ItemFromPoint(point, outside);
+        if (index < 0)
+            return -1;
+        GetItemRect(index, &info->rect);
+        info->uId = static_cast<UINT_PTR>(index);
+        info->textCallback = true;
+        return index;
+    }
+    BOOL OnToolTipText(UINT_PTR id, CString& text) override {
+        text = static_cast<int>(id) < GetCount() ? GetText(static_cast<int>(id)) : CString();
+        return TRUE;
+    }
+};
+
+class TipDialog : public DemoDialog {
+public:
+    TipList tips;
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override {
+        DDX_Control(pDX, 1005, tips);
+        DemoDialog::DoDataExchange(pDX);
+    }
+};
+} // namespace
+
+TEST(UiControls, ListBoxGeometryAndTipHooks) {
+    TipDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        EXPECT_EQ(dlg.tips.UserHoverTip(CPoint(5, 5)), CString()); // no entries, no tip
+        dlg.tips.AddString(L"管道安装 DN15 镀锌钢管 螺纹连接 含管件");
+        dlg.tips.AddString(L"阀门");
+        CRect first, second;
+        ASSERT_EQ(dlg.tips.GetItemRect(0, &first), 0);
+        ASSERT_EQ(dlg.tips.GetItemRect(1, &second), 0);
+        EXPECT_EQ(second.top, first.bottom);
+        EXPECT_EQ(dlg.tips.GetItemRect(2, &second), LB_ERR);
+        EXPECT_EQ(dlg.tips.GetTopIndex(), 0);
+
+        BOOL outside = TRUE;
+        EXPECT_EQ(dlg.tips.ItemFromPoint(CPoint(3, first.top + 1), outside), 0);
+        EXPECT_FALSE(outside);
+        // Below the last entry the nearest is the last one, and the point is outside.
+        EXPECT_EQ(dlg.tips.ItemFromPoint(CPoint(3, second.bottom + 20), outside), 1);
+        EXPECT_TRUE(outside);
+
+        // Tips show only once enabled, and name the entry under the point.
+        EXPECT_EQ(dlg.tips.UserHoverTip(CPoint(3, first.top + 1)), CString());
+        dlg.tips.EnableToolTips(TRUE);
+        EXPECT_EQ(dlg.tips.UserHoverTip(CPoint(3, first.top + 1)),
+                  CString(L"管道安装 DN15 镀锌钢管 螺纹连接 含管件"));
+        EXPECT_EQ(dlg.tips.UserHoverTip(CPoint(3, second.bottom + 20)), CString(L"阀门"));
+        // The base class has no tips.
+        EXPECT_EQ(dlg.sortedList.UserHoverTip(CPoint(3, 3)), CString());
+    });
+}
+
+TEST(UiControls, EditSelectionAndLimits) {
+    DemoDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        dlg.edit.SetWindowText(L"abcdef");
+        dlg.edit.SetSel(1, 3);
+        int start = -1, end = -1;
+        dlg.edit.GetSel(start, end);
+        EXPECT_EQ(start, 1);
+        EXPECT_EQ(end, 3);
+        dlg.edit.ReplaceSel(L"XY");
+        EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"aXYdef"));
+        dlg.edit.LimitText(4);
+        dlg.edit.UserType(L"123456");
+        EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"1234"));
+        EXPECT_EQ(dlg.log, (std::vector<std::string>{"C1002:768"})); // only the typing
+        dlg.edit.SetReadOnly(TRUE);
+        dlg.edit.UserType(L"z");
+        EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"1234"));
+    });
+}
