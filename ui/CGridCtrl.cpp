@@ -294,6 +294,16 @@ void LookOfCell(const CGridCtrl& grid, QTableWidget* table, int row, int col, CO
     const QVariant fg = item->data(kFgRole);
     item->setForeground(fg.isValid() ? QBrush(ToColor(fg.toUInt())) : QBrush());
 }
+// Colours are kept per cell; CLR_DEFAULT means "none of its own".
+QVariant ColourValue(COLORREF colour) {
+    return colour == CLR_DEFAULT ? QVariant() : QVariant(colour);
+}
+
+COLORREF ColourOf(const QTableWidgetItem* item, int role) {
+    const QVariant v = item ? item->data(role) : QVariant();
+    return v.isValid() ? v.toUInt() : CLR_DEFAULT;
+}
+
 } // namespace
 
 static void RefreshLooks(const CGridCtrl& grid, QTableWidget* table, COLORREF textBk, int fr,
@@ -404,34 +414,26 @@ BOOL CGridCtrl::SetItemBkColour(int row, int col, COLORREF colour) {
     QTableWidgetItem* item = m_state->Cell(row, col);
     if (!item)
         return FALSE;
-    item->setData(kBkRole, colour == CLR_DEFAULT ? QVariant() : QVariant(colour));
+    item->setData(kBkRole, ColourValue(colour));
     LookOfCell(*this, Table(), row, col, m_state->textBk, m_state->fixedRows, m_state->fixedCols);
     return TRUE;
 }
 
 COLORREF CGridCtrl::GetItemBkColour(int row, int col) const {
-    QTableWidgetItem* item = m_state->Cell(row, col);
-    if (!item)
-        return CLR_DEFAULT;
-    const QVariant v = item->data(kBkRole);
-    return v.isValid() ? v.toUInt() : CLR_DEFAULT;
+    return ColourOf(m_state->Cell(row, col), kBkRole);
 }
 
 BOOL CGridCtrl::SetItemFgColour(int row, int col, COLORREF colour) {
     QTableWidgetItem* item = m_state->Cell(row, col);
     if (!item)
         return FALSE;
-    item->setData(kFgRole, colour == CLR_DEFAULT ? QVariant() : QVariant(colour));
+    item->setData(kFgRole, ColourValue(colour));
     LookOfCell(*this, Table(), row, col, m_state->textBk, m_state->fixedRows, m_state->fixedCols);
     return TRUE;
 }
 
 COLORREF CGridCtrl::GetItemFgColour(int row, int col) const {
-    QTableWidgetItem* item = m_state->Cell(row, col);
-    if (!item)
-        return CLR_DEFAULT;
-    const QVariant v = item->data(kFgRole);
-    return v.isValid() ? v.toUInt() : CLR_DEFAULT;
+    return ColourOf(m_state->Cell(row, col), kFgRole);
 }
 
 BOOL CGridCtrl::SetItemState(int row, int col, UINT state) {
