@@ -410,13 +410,17 @@ LPARAM CGridCtrl::GetItemData(int row, int col) const {
     return item ? static_cast<LPARAM>(item->data(koqdde::ui::kItemDataRole).toLongLong()) : 0;
 }
 
-BOOL CGridCtrl::SetItemBkColour(int row, int col, COLORREF colour) {
+BOOL CGridCtrl::SetCellLook(int row, int col, int role, const QVariant& value) {
     QTableWidgetItem* item = m_state->Cell(row, col);
     if (!item)
         return FALSE;
-    item->setData(kBkRole, ColourValue(colour));
+    item->setData(role, value);
     LookOfCell(*this, Table(), row, col, m_state->textBk, m_state->fixedRows, m_state->fixedCols);
     return TRUE;
+}
+
+BOOL CGridCtrl::SetItemBkColour(int row, int col, COLORREF colour) {
+    return SetCellLook(row, col, kBkRole, ColourValue(colour));
 }
 
 COLORREF CGridCtrl::GetItemBkColour(int row, int col) const {
@@ -424,12 +428,7 @@ COLORREF CGridCtrl::GetItemBkColour(int row, int col) const {
 }
 
 BOOL CGridCtrl::SetItemFgColour(int row, int col, COLORREF colour) {
-    QTableWidgetItem* item = m_state->Cell(row, col);
-    if (!item)
-        return FALSE;
-    item->setData(kFgRole, ColourValue(colour));
-    LookOfCell(*this, Table(), row, col, m_state->textBk, m_state->fixedRows, m_state->fixedCols);
-    return TRUE;
+    return SetCellLook(row, col, kFgRole, ColourValue(colour));
 }
 
 COLORREF CGridCtrl::GetItemFgColour(int row, int col) const {
@@ -437,12 +436,8 @@ COLORREF CGridCtrl::GetItemFgColour(int row, int col) const {
 }
 
 BOOL CGridCtrl::SetItemState(int row, int col, UINT state) {
-    QTableWidgetItem* item = m_state->Cell(row, col);
-    if (!item)
-        return FALSE;
-    item->setData(kStateRole, state & ~(GVIS_SELECTED | GVIS_FOCUSED | GVIS_FIXED));
-    LookOfCell(*this, Table(), row, col, m_state->textBk, m_state->fixedRows, m_state->fixedCols);
-    return TRUE;
+    // Selection, focus and fixedness are the grid's own, not stored per cell.
+    return SetCellLook(row, col, kStateRole, state & ~(GVIS_SELECTED | GVIS_FOCUSED | GVIS_FIXED));
 }
 
 UINT CGridCtrl::GetItemState(int row, int col) const {

@@ -14,6 +14,7 @@
 #include <vector>
 
 class QTableWidget;
+class QVariant;
 
 inline constexpr int GVN_CELLCHANGE = 1;
 inline constexpr int GVN_BEGINLABELEDIT = LVN_BEGINLABELEDITW;
@@ -206,5 +207,8 @@ protected:
 private:
     friend class koqdde::ui::GridTable;
     struct State;
+    // Stores one of a cell's look values (colours, state) and repaints the cell; FALSE when
+    // there is no such cell.
+    BOOL SetCellLook(int row, int col, int role, const QVariant& value);
     std::unique_ptr<State> m_state;
 };
