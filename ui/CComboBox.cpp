@@ -23,16 +23,14 @@ bool Valid(const KoComboBox* combo, int index) {
 }
 } // namespace
 
-int CComboBox::AddString(const CString& text) {
-    KoComboBox* combo = Combo(this);
-    if (!combo)
-        return CB_ERR;
+namespace {
+// Adding never selects, though Qt picks the first entry of an empty box: an empty selection
+// and the typed text are put back.
+int InsertWithoutSelecting(KoComboBox* combo, int at, const CString& text) {
     ProgramScope program(combo);
-    const int at = AddStringIndex(combo, text);
     const QString keep = combo->isEditable() ? combo->currentText() : QString();
     const bool noSelection = combo->currentIndex() < 0;
     combo->insertItem(at, ToQString(text));
-    // Adding never selects: Qt picks the first entry of an empty box.
     if (noSelection) {
         combo->setCurrentIndex(-1);
         if (combo->isEditable())
@@ -40,22 +38,20 @@ int CComboBox::AddString(const CString& text) {
     }
     return at;
 }
+} // namespace
+
+int CComboBox::AddString(const CString& text) {
+    KoComboBox* combo = Combo(this);
+    if (!combo)
+        return CB_ERR;
+    return InsertWithoutSelecting(combo, AddStringIndex(combo, text), text);
+}
 
 int CComboBox::InsertString(int index, const CString& text) {
     KoComboBox* combo = Combo(this);
     if (!combo || index > combo->count())
         return CB_ERR;
-    ProgramScope program(combo);
-    const int at = index < 0 ? combo->count() : index;
-    const QString keep = combo->isEditable() ? combo->currentText() : QString();
-    const bool noSelection = combo->currentIndex() < 0;
-    combo->insertItem(at, ToQString(text));
-    if (noSelection) {
-        combo->setCurrentIndex(-1);
-        if (combo->isEditable())
-            combo->setEditText(keep);
-    }
-    return at;
+    return InsertWithoutSelecting(combo, index < 0 ? combo->count() : index, text);
 }
 
 int CComboBox::DeleteString(int index) {
