@@ -2,10 +2,14 @@
 
 #include "ui/QtString.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
+#include <QCursor>
 #include <QFont>
 #include <QFontMetrics>
+#include <QGuiApplication>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QTimer>
@@ -13,6 +17,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace {
 
@@ -23,10 +28,16 @@ public:
     explicit TipWnd(const QFont& font)
         : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint), m_font(font) {
         setAttribute(Qt::WA_ShowWithoutActivating);
+        setMouseTracking(true);
         setCursor(Qt::ArrowCursor);
         m_timer.setSingleShot(true);
         QObject::connect(&m_timer, &QTimer::timeout, this, [this] { Expire(); });
     }
+
+    // The window whose text the tip shows. The tip opens under the pointer and takes it from
+    // that window, so, as a capture for the owner would, it hands the pointer's moves on to
+    // the owner and tells it when the pointer leaves it.
+    void SetOwner(QWidget* owner) { m_owner = owner; }
 
     void SetText(const CString& text) {
         m_text = text;
@@ -43,6 +54,18 @@ public:
     }
 
 protected:
+    void enterEvent(QEnterEvent*) override { m_hasPointer = true; }
+    void mouseMoveEvent(QMouseEvent* event) override {
+        m_hasPointer = true;
+        PassPointerOn(event->globalPosition());
+    }
+    // Only a pointer that was over the tip can leave it towards somewhere else.
+    void leaveEvent(QEvent*) override {
+        if (std::exchange(m_hasPointer, false))
+            PassPointerOn(QCursor::pos());
+    }
+    void hideEvent(QHideEvent*) override { m_hasPointer = false; }
+
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.fillRect(rect(), palette().color(QPalette::ToolTipBase));
@@ -55,9 +78,27 @@ protected:
     }
 
 private:
+    void PassPointerOn(QPointF global) {
+        QWidget* owner = m_owner;
+        if (!owner || !isVisible())
+            return;
+        const QPointF local = owner->mapFromGlobal(global);
+        if (owner->rect().contains(local.toPoint())) {
+            QMouseEvent move(QEvent::MouseMove, local, global, Qt::NoButton,
+                             QGuiApplication::mouseButtons(), Qt::NoModifier);
+            QApplication::sendEvent(owner, &move);
+            return;
+        }
+        hide();
+        QEvent leave(QEvent::Leave);
+        QApplication::sendEvent(owner, &leave);
+    }
+
     QFont m_font;
     CString m_text;
     QTimer m_timer;
+    QPointer<QWidget> m_owner;
+    bool m_hasPointer = false;
 };
 
 // Made once and kept until the process ends, as the tip may be made again later.
@@ -175,6 +216,7 @@ void CTTComboBox::ShowTip(QWidget* owner, CRect rect, int availableRight, const 
     rect.InflateRect(2, 2);
     const QPoint topLeft = owner->mapToGlobal(QPoint(rect.left, rect.top));
     g_tip->SetText(text);
+    g_tip->SetOwner(owner);
     g_tip->hide();
     g_tip->setGeometry(topLeft.x(), topLeft.y(), rect.Width(), rect.Height());
     g_tip->show();
@@ -228,7 +270,9 @@ void CTTComboBox::OnListMouseMove(int index, CPoint) {
     s_nLastItem = index;
     const CString text = GetLBText(index);
     const CRect line = GetListItemRect(index);
-    ShowTip(GetListWnd(), MeasureText(text, line), line.right, text);
+    // Line rectangles are in the coordinates of the list's client area, its viewport.
+    auto* list = qobject_cast<QAbstractScrollArea*>(GetListWnd());
+    ShowTip(list ? list->viewport() : nullptr, MeasureText(text, line), line.right, text);
 }
 
 void CTTComboBox::OnListMouseLeave() {

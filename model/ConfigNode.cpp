@@ -4,12 +4,6 @@
 #include "platform/NumParse.h"
 #include "xml/XmlVisitor.h"
 
-ConfigNode::~ConfigNode() {
-    DeleteAllCondition();
-    DeleteAllQd();
-    DeleteAllDe();
-}
-
 bool ConfigNode::AddCondition(const ConditionNode& condition) {
     auto node = std::make_unique<ConditionNode>(condition);
     node->SetId(++m_lastConditionId);
@@ -87,15 +81,6 @@ bool ConfigNode::DelQd(const std::set<int>& ids) {
 bool ConfigNode::DelDe(const std::set<int>& ids) {
     m_de.RemoveIds(ids);
     return true;
-}
-
-void ConfigNode::DeleteAllCondition() {
-    while (!m_conditions.Empty())
-        m_detached.push_back(m_conditions.Take(0));
-}
-
-std::vector<std::unique_ptr<ConditionNode>> ConfigNode::TakeDetachedConditions() {
-    return std::move(m_detached);
 }
 
 bool ConfigNode::GetExistQdIndex(std::vector<CString>& numbers) const {

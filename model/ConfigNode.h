@@ -15,7 +15,9 @@
 class ConfigNode : public QdDeConfigNode {
 public:
     ConfigNode() = default;
-    ~ConfigNode();
+    // Destroys what the three lists still hold, conditions included: a condition handed out by
+    // GetCondition dies with its configuration, as every other node does with its parent.
+    ~ConfigNode() = default;
     ConfigNode(const ConfigNode&) = delete;
     ConfigNode& operator=(const ConfigNode&) = delete;
 
@@ -50,9 +52,10 @@ public:
     bool DelQd(const std::set<int>& ids);
     bool DelDe(const std::set<int>& ids);
 
-    // Empties the condition list without destroying the conditions: a condition handed out
-    // before stays valid while its tree lives (see TakeDetachedConditions).
-    void DeleteAllCondition();
+    // Empties the condition list without destroying the conditions: from here on the caller,
+    // who took their pointers with GetCondition, owns them; it may hand them back with
+    // AddCondition(ConditionNode*) or delete them.
+    void DeleteAllCondition() { m_conditions.ReleaseAll(); }
     void DeleteAllQd() { m_qd.Clear(); }
     void DeleteAllDe() { m_de.Clear(); }
 
@@ -67,9 +70,6 @@ public:
     bool ReadData(XmlNode node) override;
     bool WriteData(XmlNode node) override;
 
-    // Hands the conditions detached by DeleteAllCondition to the caller, who keeps them alive.
-    std::vector<std::unique_ptr<ConditionNode>> TakeDetachedConditions();
-
 private:
     int m_lastConditionId = 0;
     int m_lastQdId = 0;
@@ -78,5 +78,4 @@ private:
     OwnedList<ConditionNode> m_conditions;
     OwnedList<QdNode> m_qd;
     OwnedList<DeNode> m_de;
-    std::vector<std::unique_ptr<ConditionNode>> m_detached;
 };

@@ -62,6 +62,12 @@ public:
     }
     void Swap(int a, int b) { std::swap(m_items.at(a), m_items.at(b)); }
     void Clear() { m_items.clear(); }
+    // Empties the list without destroying the nodes: whoever holds their pointers owns them.
+    void ReleaseAll() {
+        for (auto& item : m_items)
+            (void)item.release();
+        m_items.clear();
+    }
 
     auto begin() const { return m_items.begin(); }
     auto end() const { return m_items.end(); }

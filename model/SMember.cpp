@@ -32,12 +32,9 @@ bool SMember::DelConfig(int id) {
     int index = m_configs.IndexOf(id);
     if (index == m_configs.Size())
         return true;
-    std::unique_ptr<ConfigNode> config = m_configs.Take(index);
-    config->DeleteAllCondition();
-    config->DeleteAllQd();
-    config->DeleteAllDe();
-    for (auto& condition : config->TakeDetachedConditions())
-        m_retiredConditions.push_back(std::move(condition));
+    // The configuration goes with everything it still holds; conditions a caller took out
+    // before with DeleteAllCondition are that caller's and are not touched.
+    m_configs.Take(index);
     return true;
 }
 

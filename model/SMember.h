@@ -48,6 +48,4 @@ private:
     CString m_name;
     int m_lastConfigId = 0;
     OwnedList<ConfigNode> m_configs;
-    // Conditions of deleted configurations that a caller may still point at.
-    std::vector<std::unique_ptr<ConditionNode>> m_retiredConditions;
 };

@@ -196,7 +196,7 @@ bool CQdDeConfigPresenter::ResetDeToQd(const CPath& path, const DeStruct& de) {
     return m_pData->ResetDeToQd(path, de);
 }
 
-bool RefreshAutoConfig(CString& error, const CString& file) {
+extern "C" bool RefreshAutoConfig(CString& error, const CString& file) {
     CQdDeConfigPresenter presenter{CString()};
     bool loaded = presenter.ReLoad(file);
     if (!loaded)

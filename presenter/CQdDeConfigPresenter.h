@@ -80,5 +80,6 @@ private:
 };
 
 // Makes `file` the current configuration. False, with "文件功能不匹配" in `error`, when the file
-// can't be loaded; `error` is left alone otherwise.
-bool RefreshAutoConfig(CString& error, const CString& file);
+// can't be loaded; `error` is left alone otherwise. Exported under its plain name, so that a
+// host can look it up in the loaded library by that name.
+extern "C" bool RefreshAutoConfig(CString& error, const CString& file);

@@ -8,6 +8,7 @@ packages=(
   libpugixml-dev libsqlite3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   qt6-base-dev fonts-noto-cjk
+  xvfb xauth
 )
 
 missing=()

@@ -237,9 +237,20 @@ bool CComboBox::HasEdit() const {
 int CComboBox::GetDroppedWidth() const {
     KoComboBox* combo = Combo(this);
     if (!combo)
-        return 0;
-    const int viewWidth = combo->view()->window()->width();
-    return combo->dropped ? viewWidth : std::max(combo->width(), combo->view()->sizeHint().width());
+        return CB_ERR;
+    if (combo->dropped)
+        return combo->view()->window()->width();
+    return std::max(combo->minDroppedWidth, combo->width());
+}
+
+int CComboBox::SetDroppedWidth(int width) {
+    KoComboBox* combo = Combo(this);
+    if (!combo || width < 0)
+        return CB_ERR;
+    combo->minDroppedWidth = width;
+    // The popup is laid out from the view's minimum width when it opens.
+    combo->view()->setMinimumWidth(width);
+    return GetDroppedWidth();
 }
 
 void CComboBox::GetDroppedControlRect(CRect* rect) const {
@@ -281,7 +292,10 @@ CRect CComboBox::GetListItemRect(int index) const {
     if (!Valid(combo, index))
         return CRect();
     const QRect r = combo->view()->visualRect(combo->model()->index(index, 0));
-    return CRect(r.left(), r.top(), r.left() + r.width(), r.top() + r.height());
+    // The view lays every entry out as wide as the widest; the line the user sees ends at
+    // the list's edge.
+    const int visibleRight = combo->view()->viewport()->width();
+    return CRect(0, r.top(), visibleRight, r.top() + r.height());
 }
 
 void CComboBox::UserSelect(int index) {
@@ -344,9 +358,12 @@ void CComboBox::UserHoverBox() {
     KoComboBox* combo = Combo(this);
     if (!combo)
         return;
-    const QPoint pos(combo->width() / 2, combo->height() / 2);
-    QHelpEvent help(QEvent::ToolTip, pos, combo->mapToGlobal(pos));
-    QApplication::sendEvent(combo, &help);
+    // A move into the box, then the rest: the hover timer's expiry, raised at once.
+    const QPointF pos(combo->width() / 2.0, combo->height() / 2.0);
+    QMouseEvent move(QEvent::MouseMove, pos, combo->mapToGlobal(pos), Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(combo, &move);
+    combo->RaisePendingHover();
 }
 
 void CComboBox::UserHoverEdit() {
@@ -354,9 +371,11 @@ void CComboBox::UserHoverEdit() {
     if (!combo || !combo->isEditable())
         return;
     QLineEdit* edit = combo->lineEdit();
-    const QPoint pos(edit->width() / 2, edit->height() / 2);
-    QHelpEvent help(QEvent::ToolTip, pos, edit->mapToGlobal(pos));
-    QApplication::sendEvent(edit, &help);
+    const QPointF pos(edit->width() / 2.0, edit->height() / 2.0);
+    QMouseEvent move(QEvent::MouseMove, pos, edit->mapToGlobal(pos), Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(edit, &move);
+    combo->RaisePendingHover();
 }
 
 void CComboBox::UserLeaveBox() {

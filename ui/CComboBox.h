@@ -34,13 +34,18 @@ public:
     BOOL LimitText(int maxChars);
     BOOL SetEditSel(int start, int end);
     bool HasEdit() const; // a drop-down (typing allowed)
+    // Width of the open list: the minimum set by SetDroppedWidth or the box's width,
+    // whichever is larger (the list's actual width while it is open).
     int GetDroppedWidth() const;
+    // Sets the open list's minimum width; returns it, or CB_ERR.
+    int SetDroppedWidth(int width);
     void GetDroppedControlRect(CRect* rect) const; // screen coordinates
     CRect GetButtonRect() const;                   // client coordinates of the box
     // The edit field (null for a drop list) and the list window of the open list.
     QWidget* GetEditWidget() const;
     QWidget* GetListWidget() const;
-    // Rectangle of an entry in the open list's client coordinates, or empty.
+    // Rectangle of an entry's visible line in the open list's client coordinates (the list's
+    // width, whatever the entry's text needs), or empty.
     CRect GetListItemRect(int index) const;
 
     // As the user does them.

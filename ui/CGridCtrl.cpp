@@ -54,6 +54,9 @@ public:
 
     void Notify(int code, int row, int col, const QString& text = QString());
     void ClickCell(int row, int col);
+    // A press on a row head (fixed column) selects the row, on a column head (fixed row) the
+    // column, when the grid allows it; add keeps what was selected. False for any other cell.
+    bool SelectHeadLine(int row, int col, bool add);
     // Ends the open edit; enter tells that Enter ended it.
     void FinishEdit(bool enter);
     bool Editing() const { return editor && state() == QAbstractItemView::EditingState; }
@@ -197,6 +200,13 @@ void GridTable::FinishEdit(bool enter) {
 }
 
 void GridTable::mousePressEvent(QMouseEvent* event) {
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (event->button() == Qt::LeftButton && index.isValid() &&
+        SelectHeadLine(index.row(), index.column(),
+                       event->modifiers().testFlag(Qt::ControlModifier))) {
+        event->accept();
+        return;
+    }
     QTableWidget::mousePressEvent(event);
 }
 
@@ -234,12 +244,40 @@ struct CGridCtrl::State {
     int fixedCols = 0;
     int defaultType = GVCT_EDIT;
     bool editable = true;
+    bool fixedRowSelection = false;    // a row head's click selects its row
+    bool fixedColumnSelection = false; // a column head's click selects its column
     COLORREF textBk = CLR_DEFAULT;
 
     QTableWidgetItem* Cell(int row, int col) const {
         return table ? table->item(row, col) : nullptr;
     }
 };
+
+bool GridTable::SelectHeadLine(int row, int col, bool add) {
+    if (!owner)
+        return false;
+    const CGridCtrl::State& state = *owner->m_state;
+    const int rows = rowCount(), cols = columnCount();
+    QTableWidgetSelectionRange line;
+    QModelIndex focus;
+    if (state.fixedRowSelection && col < state.fixedCols && row >= state.fixedRows &&
+        cols > state.fixedCols) {
+        line = QTableWidgetSelectionRange(row, state.fixedCols, row, cols - 1);
+        focus = model()->index(row, state.fixedCols);
+    } else if (state.fixedColumnSelection && row < state.fixedRows && col >= state.fixedCols &&
+               rows > state.fixedRows) {
+        line = QTableWidgetSelectionRange(state.fixedRows, col, rows - 1, col);
+        focus = model()->index(state.fixedRows, col);
+    } else {
+        return false;
+    }
+    FinishEdit(false);
+    if (!add)
+        clearSelection();
+    selectionModel()->setCurrentIndex(focus, QItemSelectionModel::NoUpdate);
+    setRangeSelected(line, true);
+    return true;
+}
 
 CGridCtrl::CGridCtrl() : m_state(std::make_unique<State>()) {}
 
@@ -565,9 +603,13 @@ void CGridCtrl::EnableDragAndDrop(BOOL enable) {
         table->setDragEnabled(enable != FALSE);
 }
 
-void CGridCtrl::SetFixedRowSelection(BOOL /*enable*/) {}
+void CGridCtrl::SetFixedRowSelection(BOOL enable) {
+    m_state->fixedRowSelection = enable != FALSE;
+}
 
-void CGridCtrl::SetFixedColumnSelection(BOOL /*enable*/) {}
+void CGridCtrl::SetFixedColumnSelection(BOOL enable) {
+    m_state->fixedColumnSelection = enable != FALSE;
+}
 
 void CGridCtrl::SetTextBkColor(COLORREF colour) {
     m_state->textBk = colour;
@@ -764,8 +806,10 @@ void CGridCtrl::UserClickCell(int row, int col) {
         return;
     EndEditing();
     if (IsValid(row, col)) {
-        const QModelIndex index = table->model()->index(row, col);
-        table->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+        if (!table->SelectHeadLine(row, col, false)) {
+            const QModelIndex index = table->model()->index(row, col);
+            table->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+        }
         table->ClickCell(row, col);
     } else {
         table->ClickCell(-1, -1);

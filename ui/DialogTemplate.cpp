@@ -324,6 +324,8 @@ QWidget* CreateControl(const ControlTemplate& ctl, const DialogBaseUnits& units,
         edit->setReadOnly(ctl.HasStyle(L"readonly"));
         if (ctl.HasStyle(L"password"))
             edit->setEchoMode(QLineEdit::Password);
+        if (!ctl.HasStyle(L"autohscroll"))
+            LimitTypingToWidth(edit);
         QObject::connect(edit, &QLineEdit::textEdited, edit, [edit] {
             if (!InProgramChange(edit))
                 SendCommandToParent(edit, EN_CHANGE);
@@ -337,16 +339,23 @@ QWidget* CreateControl(const ControlTemplate& ctl, const DialogBaseUnits& units,
     } else if (ctl.cls == L"combobox") {
         auto* combo = new KoComboBox(parent, !ctl.HasStyle(L"droplist"));
         combo->sorted = ctl.HasStyle(L"sorted");
+        if (combo->isEditable() && !ctl.HasStyle(L"autohscroll"))
+            LimitTypingToWidth(combo->lineEdit());
         widget = combo;
     } else if (ctl.cls == L"listview") {
         auto* view = new KoListView(parent);
         view->singleSel = ctl.HasStyle(L"singlesel");
         view->setSelectionMode(view->singleSel ? QAbstractItemView::SingleSelection
                                                : QAbstractItemView::ExtendedSelection);
+        if (!ctl.HasStyle(L"showselalways"))
+            HideSelectionWhenUnfocused(view);
         widget = view;
     } else if (ctl.cls == L"treeview") {
         auto* tree = new KoTreeView(parent);
         tree->setRootIsDecorated(ctl.HasStyle(L"linesatroot") || ctl.HasStyle(L"hasbuttons"));
+        tree->hasLines = ctl.HasStyle(L"haslines");
+        if (!ctl.HasStyle(L"showselalways"))
+            HideSelectionWhenUnfocused(tree);
         widget = tree;
     } else if (ctl.cls == L"tab") {
         widget = new KoTabCtrl(parent);

@@ -182,7 +182,7 @@ void CAutoConfigDlg::FitComboDropWidth(CComboBox& combo) {
     const int edge = 2; // the sunken edge of the list, on each side
     int needed = widest + 2 * edge + box->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     if (combo.GetDroppedWidth() < needed)
-        box->view()->setMinimumWidth(needed);
+        combo.SetDroppedWidth(needed);
 }
 
 bool CAutoConfigDlg::BuildConditionArray(CStringArray& out) {

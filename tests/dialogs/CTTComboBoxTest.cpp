@@ -5,6 +5,7 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QFontMetrics>
 #include <QMouseEvent>
 #include <QWidget>
 
@@ -25,6 +26,8 @@ QWidget* MakeCombo(QWidget* host, int x, int width, bool dropdown) {
     ctl.cx = width;
     ctl.cy = 80;
     ctl.styles.Add(dropdown ? L"dropdown" : L"droplist");
+    if (dropdown)
+        ctl.styles.Add(L"autohscroll"); // as 1022: the field scrolls to take any text
     const auto units = koqdde::ui::MeasureBaseUnits(koqdde::ui::DefaultDialogFont());
     return koqdde::ui::CreateControl(ctl, units, host);
 }
@@ -76,8 +79,19 @@ TEST(CTTComboBox, ListTipShowsOnlyTextsThatDontFitOncePerLine) {
     CTTComboBox box;
     box.Attach(MakeCombo(&host.window, 10, 30, false));
     box.AddString(kShort);
-    box.AddString(kLong);
-    box.AddString(kLong + L"二");
+    box.AddString(kLong + kLong); // the widest: the open list can't grow to it
+    // Texts just longer and just shorter than the visible line, both narrower than the widest.
+    box.UserDropDown();
+    const int lineWidth = box.GetListItemRect(0).Width();
+    box.UserCloseUp();
+    ASSERT_GT(lineWidth, 0);
+    const QFontMetrics metrics(QApplication::font("QStatusBar"));
+    CString justLonger;
+    while (metrics.horizontalAdvance(QString::fromStdWString(justLonger.GetString())) <= lineWidth)
+        justLonger += L"管";
+    const CString justShorter = justLonger.Left(justLonger.GetLength() - 2);
+    box.AddString(justLonger);
+    box.AddString(justShorter);
     ASSERT_NE(CTTComboBox::GetTipWnd(), nullptr);
     box.UserLeaveList(); // a line another test left behind doesn't count
     ShowCounter counter(CTTComboBox::GetTipWnd());
@@ -85,20 +99,23 @@ TEST(CTTComboBox, ListTipShowsOnlyTextsThatDontFitOncePerLine) {
     // A text that fits: the tip stays hidden and never flashes up.
     box.UserHoverListItem(0);
     EXPECT_FALSE(CTTComboBox::IsTipVisible());
+    box.UserHoverListItem(3);
+    EXPECT_FALSE(CTTComboBox::IsTipVisible());
     EXPECT_EQ(counter.shows, 0);
 
-    box.UserHoverListItem(1);
+    box.UserHoverListItem(2);
     ASSERT_TRUE(CTTComboBox::IsTipVisible());
-    EXPECT_EQ(CTTComboBox::GetTipText(), kLong);
-    EXPECT_EQ(CTTComboBox::GetLastItem(), 1);
+    EXPECT_EQ(CTTComboBox::GetTipText(), justLonger);
+    EXPECT_EQ(CTTComboBox::GetLastItem(), 2);
     EXPECT_EQ(counter.shows, 1);
     // It lies over the line, 2 pixels out on each side, and is as wide as the text needs.
-    const CRect line = box.GetListItemRect(1);
+    const CRect line = box.GetListItemRect(2);
+    EXPECT_EQ(line.Width(), lineWidth) << "the visible line, not the widest entry";
     const QPoint lineOrigin = box.GetListWnd()->mapToGlobal(QPoint(line.left, line.top));
     const CRect tip = CTTComboBox::GetTipRect();
-    EXPECT_EQ(tip.left, lineOrigin.x() - 2);
     EXPECT_EQ(tip.top, lineOrigin.y() - 2);
-    EXPECT_GT(tip.Width(), line.Width() + 4);
+    EXPECT_EQ(tip.Width(),
+              metrics.horizontalAdvance(QString::fromStdWString(justLonger.GetString())) + 4);
 
     // The timer takes the tip away; staying on the line brings nothing back.
     EXPECT_TRUE(CTTComboBox::IsTipTimerActive());
@@ -106,23 +123,23 @@ TEST(CTTComboBox, ListTipShowsOnlyTextsThatDontFitOncePerLine) {
     EXPECT_FALSE(CTTComboBox::IsTipVisible());
     EXPECT_FALSE(CTTComboBox::IsTipTimerActive());
     EXPECT_FALSE(CTTComboBox::FireTipTimer());
-    box.UserHoverListItem(1);
+    box.UserHoverListItem(2);
     EXPECT_FALSE(CTTComboBox::IsTipVisible());
 
     // A new line shows its tip and starts the timer again.
-    box.UserHoverListItem(2);
+    box.UserHoverListItem(1);
     EXPECT_TRUE(CTTComboBox::IsTipVisible());
-    EXPECT_EQ(CTTComboBox::GetTipText(), kLong + L"二");
+    EXPECT_EQ(CTTComboBox::GetTipText(), kLong + kLong);
     EXPECT_TRUE(CTTComboBox::IsTipTimerActive());
 
     // Leaving the list forgets the line, so the same line shows again on return.
-    box.UserHoverListItem(1);
+    box.UserHoverListItem(2);
     box.UserLeaveList();
     EXPECT_FALSE(CTTComboBox::IsTipVisible());
     EXPECT_EQ(CTTComboBox::GetLastItem(), -1);
-    box.UserHoverListItem(1);
+    box.UserHoverListItem(2);
     EXPECT_TRUE(CTTComboBox::IsTipVisible());
-    EXPECT_EQ(CTTComboBox::GetTipText(), kLong);
+    EXPECT_EQ(CTTComboBox::GetTipText(), justLonger);
 
     // A line that fits hides the tip of the one before.
     box.UserHoverListItem(0);
@@ -142,8 +159,12 @@ TEST(CTTComboBox, BoxAndEditFieldShowTheirWholeText) {
     list.SetCurSel(0);
     list.UserHoverBox();
     EXPECT_FALSE(CTTComboBox::IsTipVisible());
-
+    // One hover for each time the pointer comes in: resting on longer doesn't raise another.
     list.SetCurSel(1);
+    list.UserHoverBox();
+    EXPECT_FALSE(CTTComboBox::IsTipVisible());
+
+    list.UserLeaveBox();
     list.UserHoverBox();
     ASSERT_TRUE(CTTComboBox::IsTipVisible());
     EXPECT_EQ(CTTComboBox::GetTipText(), kLong);
@@ -158,7 +179,9 @@ TEST(CTTComboBox, BoxAndEditFieldShowTheirWholeText) {
     list.UserHoverListItem(1);
     list.UserCloseUp();
     ASSERT_EQ(CTTComboBox::GetLastItem(), 1);
+    list.UserLeaveBox();
     list.UserHoverBox();
+    EXPECT_TRUE(CTTComboBox::IsTipVisible());
     list.UserLeaveBox();
     EXPECT_FALSE(CTTComboBox::IsTipVisible());
     EXPECT_EQ(CTTComboBox::GetLastItem(), 1);
@@ -167,6 +190,7 @@ TEST(CTTComboBox, BoxAndEditFieldShowTheirWholeText) {
     edit.UserHoverEdit();
     EXPECT_FALSE(CTTComboBox::IsTipVisible());
     edit.UserType(kLong);
+    edit.UserLeaveBox();
     edit.UserHoverEdit();
     ASSERT_TRUE(CTTComboBox::IsTipVisible());
     EXPECT_EQ(CTTComboBox::GetTipText(), kLong);

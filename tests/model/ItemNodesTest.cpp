@@ -189,6 +189,35 @@ TEST(ConfigNode, EditsByIdAndTheirResults) {
     EXPECT_EQ(numbers, (std::vector<CString>{L"kept", L"too", L"1", L"3"}));
 }
 
+TEST(ConfigNode, ConditionsTakenOutBelongToTheCaller) {
+    ConfigNode config;
+    config.AddCondition(ConditionNode(L"材质", true, L"＝", L"", L"", L"铜", L"", L""));
+    config.AddCondition(ConditionNode(L"管径", false, L"", L"＞", L"", L"", L"50", L""));
+    config.AddCondition(ConditionNode(L"系统", true, L"≠", L"", L"", L"排水", L"", L""));
+    std::vector<ConditionNode*> taken = config.GetCondition();
+    config.DeleteAllCondition();
+    EXPECT_TRUE(config.GetCondition().empty());
+    EXPECT_EQ(config.GetConditionString(), L"");
+    // One goes back as it stands (id, no parent), the others the caller deletes itself; the
+    // configuration then frees only what it holds.
+    config.AddCondition(taken[1]);
+    std::unique_ptr<ConditionNode>(taken[0]).reset();
+    std::unique_ptr<ConditionNode>(taken[2]).reset();
+    ASSERT_EQ(config.GetCondition().size(), 1u);
+    EXPECT_EQ(config.GetCondition()[0], taken[1]);
+    EXPECT_EQ(config.GetCondition()[0]->GetId(), 2);
+    EXPECT_EQ(config.GetConditionString(), L"管径＞50;");
+    EXPECT_EQ(config.GetLastConditionId(), 3);
+}
+
+TEST(ConfigNode, DefaultShowsOtherWhateverItsConditions) {
+    ConfigNode config;
+    config.AddCondition(ConditionNode(L"材质", true, L"＝", L"", L"", L"铜", L"", L""));
+    EXPECT_EQ(config.GetConditionString(), L"材质＝铜;");
+    config.SetDefault(true);
+    EXPECT_EQ(config.GetConditionString(), L"其它");
+}
+
 TEST(ConfigNode, CloneCopiesEverythingButConditionIds) {
     SMember owner;
     ConfigNode config;
@@ -200,6 +229,10 @@ TEST(ConfigNode, CloneCopiesEverythingButConditionIds) {
     config.AddQd(Bill(L"2"));
     config.DelQd({1});
     config.AddDe(Quota(L"q"));
+    config.AddDe(Quota(L"r"));
+    config.AddDe(Quota(L"s"));
+    config.DelDe({2});
+    config.AddDe(Quota(L"t"));
     std::unique_ptr<ConfigNode> copy(config.Clone());
     EXPECT_EQ(copy->GetId(), 4);
     EXPECT_EQ(copy->GetParent(), &owner);
@@ -208,7 +241,14 @@ TEST(ConfigNode, CloneCopiesEverythingButConditionIds) {
     ASSERT_EQ(copy->GetQd().size(), 1u);
     EXPECT_EQ(copy->GetQd()[0]->GetId(), 2);
     EXPECT_EQ(copy->GetQd()[0]->GetParent(), copy.get());
+    // Several quotas keep their order and ids.
+    ASSERT_EQ(copy->GetDe().size(), 3u);
+    EXPECT_EQ(copy->GetDe()[0]->m_de.strDeId, L"q");
+    EXPECT_EQ(copy->GetDe()[1]->m_de.strDeId, L"s");
+    EXPECT_EQ(copy->GetDe()[2]->m_de.strDeId, L"t");
+    EXPECT_EQ(copy->GetDe()[2]->GetId(), 4);
     EXPECT_EQ(copy->GetDe()[0]->GetParent(), copy.get());
+    EXPECT_EQ(copy->GetLastDeId(), 4);
     ASSERT_EQ(copy->GetCondition().size(), 2u);
     EXPECT_EQ(copy->GetCondition()[0]->GetId(), 0);
     EXPECT_EQ(copy->GetCondition()[1]->GetId(), 0);

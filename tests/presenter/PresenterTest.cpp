@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <unistd.h>
+
 namespace {
 
 void Catalog(TestHost& host) {
@@ -69,17 +72,44 @@ TEST(PresenterFiles, RecordedNamesWithoutExtensionOrTooLong) {
     EXPECT_FALSE(PathExists(host.ConfigDir() + L"/自动套配置"))
         << "an explicit file needs no folder";
 
+    // A name is recorded first, so that the load below has something to overwrite.
+    const CString ini = host.ProjectDir() + L"/SysRegedit.ini";
+    ASSERT_TRUE(presenter.ReLoad(host.dir.Write(L"named.xml", kValidFile)));
+    EXPECT_EQ(presenter.GetCurConfig(), L"named");
     CString bare = host.dir.Write(L"noextension", kValidFile);
     ASSERT_TRUE(presenter.ReLoad(bare));
+    CString stored = L"unread";
+    GetPrivateProfileStringW(L"QdDeConfigInfo", L"ConfigName", L"absent", stored, 100, ini);
+    EXPECT_EQ(stored, L"") << "a name without a full stop is recorded as empty";
     EXPECT_EQ(presenter.GetCurConfig(), L"DefaultConfig");
 
     CString longName(L'长', 120);
-    WritePrivateProfileStringW(L"QdDeConfigInfo", L"ConfigName", longName,
-                               host.ProjectDir() + L"/SysRegedit.ini");
+    WritePrivateProfileStringW(L"QdDeConfigInfo", L"ConfigName", longName, ini);
     EXPECT_EQ(presenter.GetCurConfig(), longName.Left(99));
 
     EXPECT_FALSE(presenter.ReLoad(host.dir.File(L"missing.xml")));
     EXPECT_EQ(presenter.GetCurConfig(), longName.Left(99)) << "a failed load records nothing";
+}
+
+TEST(PresenterFiles, ProjectPathWithoutSeparatorRecordsAtTheRoot) {
+    // The folder of "test.kprj" is empty, so the record is "/SysRegedit.ini".
+    const CString rootIni = L"/SysRegedit.ini";
+    if (access("/", W_OK) != 0)
+        GTEST_SKIP() << "the file system root is not writable here";
+    if (PathExists(rootIni))
+        GTEST_SKIP() << "a record at the root already exists; not touching it";
+    TestHost host;
+    Catalog(host);
+    host.data.project.path = L"test.kprj";
+    {
+        CQdDeConfigPresenter presenter(host.dir.File(L"start.xml"));
+        ASSERT_TRUE(presenter.ReLoad(host.dir.Write(L"solo.cfg.xml", kValidFile)));
+        EXPECT_EQ(presenter.GetCurConfig(), L"solo.cfg");
+    }
+    CString stored;
+    GetPrivateProfileStringW(L"QdDeConfigInfo", L"ConfigName", L"", stored, 100, rootIni);
+    std::remove(ToUtf8(rootIni).c_str());
+    EXPECT_EQ(stored, L"solo.cfg");
 }
 
 TEST(PresenterFiles, RefreshReportsMismatchOnly) {
@@ -201,18 +231,35 @@ TEST(PresenterEdits, PathsOfAnotherSpecialtyChangeNothing) {
     TestHost host;
     Catalog(host);
     host.Add(L"电气", L"管道", L"给水管", 1, 101);
-    CQdDeConfigPresenter presenter(host.dir.File(L"o.xml"));
+    const CString file = host.dir.File(L"o.xml");
+    CQdDeConfigPresenter presenter(file);
+    // The current specialty's category has the same large, small, configuration, condition,
+    // bill and quota ids as the path of the other specialty: an edit that ignored the
+    // specialty would land here.
+    std::vector<ConfigNode*> configs;
+    ASSERT_TRUE(presenter.AddCondition(Config(1), ValueCondition(L"1")));
+    ASSERT_TRUE(presenter.AddQd(QdStruct(), Config(1), configs));
+    CPath bill = Config(1);
+    bill.QdId = 1;
+    ASSERT_TRUE(presenter.AddDe2QdNode(DeStruct(), bill, configs));
+    ASSERT_TRUE(presenter.AddDe2ConfigNode(DeStruct(), Config(1), configs));
+    ASSERT_TRUE(presenter.Save());
+    const auto before = ReadFileBytes(file);
+    ASSERT_TRUE(before);
+
     CPath other = Config(1);
     other.SpecId = 3;
     other.QdId = 1;
     other.DeId = 1;
     other.ConditionId = 1;
     int id = -1;
-    std::vector<ConfigNode*> configs;
+    ConfigNode sentinel;
+    configs = {&sentinel};
     std::vector<CString> numbers;
     EXPECT_EQ(presenter.GetConfig(other), nullptr);
     EXPECT_FALSE(presenter.GetConfig(other, configs));
     EXPECT_FALSE(presenter.GetExistQdIndex(other, numbers));
+    EXPECT_TRUE(numbers.empty());
     EXPECT_FALSE(presenter.AddConfig(other, id));
     EXPECT_FALSE(presenter.AddConfigByCopy(other, id));
     EXPECT_EQ(id, -1);
@@ -220,19 +267,24 @@ TEST(PresenterEdits, PathsOfAnotherSpecialtyChangeNothing) {
     EXPECT_FALSE(presenter.MoveDownConfig(other));
     EXPECT_FALSE(presenter.DelConfig(other));
     EXPECT_FALSE(presenter.AddCondition(other, ValueCondition(L"1")));
-    EXPECT_FALSE(presenter.ResetCondition(other, ValueCondition(L"1")));
+    EXPECT_FALSE(presenter.ResetCondition(other, ValueCondition(L"0")));
     EXPECT_FALSE(presenter.DelCondition(other, configs));
     EXPECT_FALSE(presenter.AddQd(QdStruct(), other, configs));
     EXPECT_FALSE(presenter.AddDe2QdNode(DeStruct(), other, configs));
     EXPECT_FALSE(presenter.AddDe2ConfigNode(DeStruct(), other, configs));
-    EXPECT_TRUE(configs.empty());
+    EXPECT_EQ(configs, std::vector<ConfigNode*>{&sentinel}) << "a refused edit hands out nothing";
     EXPECT_FALSE(presenter.DelQd(other, {1}));
+    // Always true, but it must not reach the bill of the current specialty either.
     EXPECT_TRUE(presenter.DelDeInQdNode(other, {{1, {1}}}));
     EXPECT_FALSE(presenter.DelDeInConfigNode(other, {1}));
-    EXPECT_FALSE(presenter.ResetQd(other, QdStruct()));
-    EXPECT_FALSE(presenter.ResetDeToConfig(other, DeStruct()));
-    EXPECT_FALSE(presenter.ResetDeToQd(other, DeStruct()));
-    std::vector<ConfigNode*> own;
-    ASSERT_TRUE(presenter.GetConfig(Config(CPath::kNone), own));
-    EXPECT_EQ(own.size(), 1u);
+    QdStruct renamed;
+    renamed.strName = L"改名";
+    DeStruct quota;
+    quota.strName = L"改名";
+    EXPECT_FALSE(presenter.ResetQd(other, renamed));
+    EXPECT_FALSE(presenter.ResetDeToConfig(other, quota));
+    EXPECT_FALSE(presenter.ResetDeToQd(other, quota));
+
+    ASSERT_TRUE(presenter.Save());
+    EXPECT_EQ(ReadFileBytes(file), before) << "the current specialty is untouched";
 }

@@ -241,6 +241,14 @@ TEST(XmlStore, SaveAsCopiesButStaysOnTheOpenFile) {
     CXmlQdDeConfig copy(target, L"给排水");
     EXPECT_EQ(ConfigCount(copy, PathTo(2, 1, 101)), 2);
 
+    // A plain save after the copy goes to the open file, not to the copy.
+    store.AddConfig(PathTo(2, 1, 101), id);
+    ASSERT_TRUE(store.Save());
+    CXmlQdDeConfig saved(file, L"给排水");
+    EXPECT_EQ(ConfigCount(saved, PathTo(2, 1, 101)), 3);
+    CXmlQdDeConfig copyAgain(target, L"给排水");
+    EXPECT_EQ(ConfigCount(copyAgain, PathTo(2, 1, 101)), 2);
+
     store.AddConfig(PathTo(2, 1, 101), id);
     ASSERT_TRUE(store.SaveAs(file)) << "its own name is a plain save";
     EXPECT_EQ(RootChildNames(file), (std::vector<std::string>{"电气", "给排水"}));

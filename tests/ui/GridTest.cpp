@@ -104,6 +104,36 @@ TEST(UiGrid, MadeOverThePlaceholderWithCellsDataAndColours) {
     });
 }
 
+TEST(UiGrid, HeadClicksSelectTheirLineOnlyWhenAllowed) {
+    GridDialog dlg;
+    RunDialog(dlg, [&](CDialog&) {
+        CQvGridCtrl& grid = dlg.grid;
+        for (int row = 1; row <= 3; ++row)
+            grid.InsertOneprop(row, CStringArray{L"A", L"名称", L"m", L"", L"否"});
+        // Off, as a grid starts: a head is a cell like any other.
+        grid.UserClickCell(2, 0);
+        EXPECT_EQ(grid.GetSelectedCellRange(), CCellRange(2, 0, 2, 0));
+        grid.UserClickCell(0, 3);
+        EXPECT_EQ(grid.GetSelectedCellRange(), CCellRange(0, 3, 0, 3));
+
+        grid.SetFixedRowSelection(TRUE);
+        grid.SetFixedColumnSelection(TRUE);
+        grid.UserClickCell(2, 0);
+        EXPECT_EQ(grid.GetSelectedCellRange(), CCellRange(2, 1, 2, 5)) << "the row's cells";
+        EXPECT_EQ(grid.GetFocusCell(), CCellID(2, 1));
+        grid.UserClickCell(0, 3);
+        EXPECT_EQ(grid.GetSelectedCellRange(), CCellRange(1, 3, 3, 3)) << "the column's cells";
+        // The corner belongs to neither line.
+        grid.UserClickCell(0, 0);
+        EXPECT_EQ(grid.GetSelectedCellRange(), CCellRange(0, 0, 0, 0));
+        grid.SetFixedRowSelection(FALSE);
+        grid.UserClickCell(1, 0);
+        EXPECT_EQ(grid.GetSelectedCellRange(), CCellRange(1, 0, 1, 0));
+        // The click itself is told as on any cell.
+        EXPECT_EQ(dlg.log.back(), "N50002:-2 r=1 c=0 t=");
+    });
+}
+
 TEST(UiGrid, UserEditsTellTheParentWhatChanged) {
     GridDialog dlg;
     RunDialog(dlg, [&](CDialog&) {

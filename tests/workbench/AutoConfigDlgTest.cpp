@@ -9,6 +9,11 @@
 #include "ui/ModalHook.h"
 #include "workbench/CAutoConfigDlg.h"
 
+#include "ui/QtString.h"
+
+#include <QFontMetrics>
+#include <QWidget>
+
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -414,7 +419,9 @@ TEST(Workbench, ConditionsAreAddedReplacedAndDeletedUnderTheRangeRules) {
                                  {L"10", L"10"},
                                  {L"20", L"10"},
                                  {L"0.1", L"0.11"},
-                                 {L"10", L"10.01"}}) {
+                                 {L"10", L"10.01"},
+                                 // A bound that is no number counts 0.
+                                 {L"abc", L"0.005"}}) {
             lower.UserType(low);
             upper.UserType(high);
             ClickDlgItem(dlg, kConditionAdd);
@@ -426,6 +433,11 @@ TEST(Workbench, ConditionsAreAddedReplacedAndDeletedUnderTheRangeRules) {
         ClickDlgItem(dlg, kConditionAdd);
         EXPECT_EQ(Entries(dlg, kConditionList),
                   (std::vector<CString>{L"材质＝不锈钢管", L"1＜管径(mm)≤1.01"}));
+        // A lower bound that is no number reads 0, so an upper bound above 0.01 lets it in.
+        lower.UserType(L"约");
+        upper.UserType(L"50");
+        ClickDlgItem(dlg, kConditionAdd);
+        EXPECT_EQ(Entries(dlg, kConditionList)[1], L"约＜管径(mm)≤50");
         // One open bound: any text goes, the other side's operator is still stored.
         lower.UserType(L"大");
         upper.UserType(L"");
@@ -464,6 +476,43 @@ TEST(Workbench, ConditionsAreAddedReplacedAndDeletedUnderTheRangeRules) {
     ConditionNode* open = configs[0]->GetCondition()[0];
     EXPECT_EQ(open->GetRangeOperator2(), L"≤") << "the open side's operator is kept";
     EXPECT_EQ(open->GetRange2(), L"");
+}
+
+TEST(Workbench, ValueListWidensToItsLongestOptionAndTheUpperBoundKeepsToItsWidth) {
+    TestHost host;
+    Catalog(host);
+    const CString longOption = L"衬塑钢管沟槽连接（内衬聚乙烯）";
+    host.data.dropLists[L"给水管材质"].Add(longOption);
+    RunWorkbench([&](CDialog& dlg) {
+        ClickDlgItem(dlg, kAddConfig);
+        CComboBox& value = Ctl<CComboBox>(dlg, kValue);
+        const int boxWidth = value.GetWindowRect().Width();
+        EXPECT_GE(value.GetDroppedWidth(), boxWidth) << "never narrower than the box";
+        ChooseAttribute(dlg, L"材质");
+        const QFontMetrics metrics(value.widget()->font());
+        const int textWidth = metrics.horizontalAdvance(koqdde::ui::ToQString(longOption));
+        ASSERT_GT(textWidth, boxWidth) << "the option must be wider than the box";
+        EXPECT_GT(value.GetDroppedWidth(), textWidth);
+        value.UserDropDown();
+        EXPECT_GT(value.GetDroppedWidth(), textWidth) << "the open list is as wide";
+        value.UserCloseUp();
+        // It never narrows: an attribute with short options leaves it as wide.
+        const int widened = value.GetDroppedWidth();
+        ChooseAttribute(dlg, L"管径(mm)");
+        EXPECT_EQ(value.GetDroppedWidth(), widened);
+
+        // The upper bound takes no more than its width shows; the lower bound scrolls.
+        Ctl<CTabCtrl>(dlg, kValueTab).UserSelect(1);
+        const CString digits = L"1234567890123456789012345678901234567890";
+        CComboBox& upper = Ctl<CComboBox>(dlg, kRange2);
+        CComboBox& lower = Ctl<CComboBox>(dlg, kRange1);
+        upper.UserType(L"50");
+        upper.UserType(digits);
+        EXPECT_EQ(upper.GetWindowText(), L"50") << "a text past the field's width is refused";
+        lower.UserType(digits);
+        EXPECT_EQ(lower.GetWindowText(), digits);
+        PressEsc(dlg);
+    });
 }
 
 namespace {
@@ -626,6 +675,32 @@ TEST(WorkbenchGrid, BillModeShowsThisLibrarysItemsAndCommitsUnitsAndFormulasAtOn
     EXPECT_EQ(fallback->GetQd(3)->m_qd.strUnitCode, L"2") << "the unit \" 2m\" counts 2";
     EXPECT_EQ(fallback->GetQd(3)->m_qd.strName, L"塑料管");
     EXPECT_EQ(fallback->GetDe(1)->m_de.strUnitCode, L"10") << "not shown in the bill mode";
+}
+
+TEST(WorkbenchGrid, ACommitReadsTheUnitCoefficientFromTheUnitText) {
+    TestHost host;
+    Catalog(host);
+    {
+        CQdDeConfigPresenter presenter;
+        std::vector<ConfigNode*> configs;
+        CPath fallback = Category(1, 101, 1);
+        for (const wchar_t* unit : {L"10m", L"-5m", L"100m"})
+            ASSERT_TRUE(presenter.AddQd(Bill(L"031001001001", L"镀锌钢管", unit, kBillLib),
+                                        fallback, configs));
+        ASSERT_TRUE(presenter.Save());
+    }
+    RunWorkbench([&](CDialog& dlg) {
+        ASSERT_EQ(Ctl<CGridCtrl>(dlg, kGrid).GetRowCount(), 4);
+        PressEsc(dlg); // the way out commits every row
+    });
+    CQdDeConfigPresenter presenter;
+    auto configs = SavedConfigs(presenter, Category(1, 101));
+    ASSERT_EQ(configs.size(), 1u);
+    auto bills = configs[0]->GetQd();
+    ASSERT_EQ(bills.size(), 3u);
+    EXPECT_EQ(bills[0]->m_qd.strUnitCode, L"10");
+    EXPECT_EQ(bills[1]->m_qd.strUnitCode, L"1") << "below 1 counts 1";
+    EXPECT_EQ(bills[2]->m_qd.strUnitCode, L"100");
 }
 
 TEST(WorkbenchGrid, EditsAreLostOnARowChangeAndKeptOnATreeChange) {

@@ -8,14 +8,17 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QCursor>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyle>
 #include <QStyleOptionFrame>
 #include <QToolTip>
+#include <QValidator>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -293,6 +296,12 @@ KoComboBox::KoComboBox(QWidget* parent, bool editable) : QComboBox(parent) {
     }
     view()->viewport()->installEventFilter(this);
     view()->viewport()->setMouseTracking(true);
+    setMouseTracking(true);
+    if (editable)
+        lineEdit()->setMouseTracking(true);
+    m_hoverTimer.setSingleShot(true);
+    m_hoverTimer.setInterval(kHoverTimeMs);
+    connect(&m_hoverTimer, &QTimer::timeout, this, [this] { HoverExpired(); });
     connect(this, &QComboBox::activated, this, [this] {
         if (!InProgramChange(this))
             SendCommandToParent(this, CBN_SELCHANGE);
@@ -346,6 +355,15 @@ bool KoComboBox::UserChoose(int index) {
     return true;
 }
 
+namespace {
+// A leave while the pointer still lies within the widget comes from a window opened over it
+// (the tip of a cut text): the pointer has not left, so the leave is not passed on. The tip
+// tells the widget when the pointer really leaves.
+bool PointerStillInside(const QWidget* widget) {
+    return widget->rect().contains(widget->mapFromGlobal(QCursor::pos()));
+}
+} // namespace
+
 bool KoComboBox::eventFilter(QObject* watched, QEvent* event) {
     if (watched == view()->viewport()) {
         switch (event->type()) {
@@ -353,7 +371,8 @@ bool KoComboBox::eventFilter(QObject* watched, QEvent* event) {
             ListMouseMove(static_cast<QMouseEvent*>(event)->position().toPoint());
             break;
         case QEvent::Leave:
-            ListLeave();
+            if (!PointerStillInside(view()->viewport()))
+                ListLeave();
             break;
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonRelease:
@@ -368,24 +387,67 @@ bool KoComboBox::eventFilter(QObject* watched, QEvent* event) {
             break;
         }
     } else if (isEditable() && watched == lineEdit()) {
-        if (event->type() == QEvent::ToolTip) {
-            KoComboHooks::EditHover(this, static_cast<QHelpEvent*>(event)->pos());
-            return true;
-        }
-        if (event->type() == QEvent::Leave)
-            KoComboHooks::EditLeave(this);
+        if (event->type() == QEvent::MouseMove)
+            TrackHover(lineEdit(), static_cast<QMouseEvent*>(event)->position().toPoint());
+        else if (event->type() == QEvent::Leave && !PointerStillInside(lineEdit()))
+            EndHover(lineEdit());
+        else if (event->type() == QEvent::ToolTip)
+            return true; // the hover above stands for it
     }
     return QComboBox::eventFilter(watched, event);
 }
 
 bool KoComboBox::event(QEvent* event) {
-    if (event->type() == QEvent::ToolTip) {
-        KoComboHooks::BoxHover(this, static_cast<QHelpEvent*>(event)->pos());
+    if (event->type() == QEvent::MouseMove)
+        TrackHover(this, static_cast<QMouseEvent*>(event)->position().toPoint());
+    else if (event->type() == QEvent::Leave && !PointerStillInside(this))
+        EndHover(this);
+    else if (event->type() == QEvent::ToolTip)
         return true;
-    }
-    if (event->type() == QEvent::Leave)
-        KoComboHooks::BoxLeave(this);
     return QComboBox::event(event);
+}
+
+void KoComboBox::TrackHover(QWidget* target, QPoint pos) {
+    if (target != m_hoverTarget) {
+        m_hoverTarget = target;
+        m_hoverRaised = false;
+    } else if (m_hoverRaised || (m_hoverTimer.isActive() &&
+                                 (pos - m_hoverAnchor).manhattanLength() <= kHoverSlopPx)) {
+        return;
+    }
+    m_hoverAnchor = pos;
+    m_hoverTimer.start();
+}
+
+void KoComboBox::EndHover(QWidget* target) {
+    if (target != m_hoverTarget)
+        return;
+    m_hoverTimer.stop();
+    m_hoverTarget = nullptr;
+    m_hoverRaised = false;
+    if (target == this)
+        KoComboHooks::BoxLeave(this);
+    else
+        KoComboHooks::EditLeave(this);
+}
+
+bool KoComboBox::RaisePendingHover() {
+    if (!m_hoverTimer.isActive())
+        return false;
+    m_hoverTimer.stop();
+    HoverExpired();
+    return true;
+}
+
+void KoComboBox::HoverExpired() {
+    QWidget* target = m_hoverTarget;
+    if (!target || m_hoverRaised)
+        return;
+    m_hoverRaised = true;
+    if (target == this)
+        KoComboHooks::BoxHover(this, m_hoverAnchor);
+    else
+        KoComboHooks::EditHover(this, m_hoverAnchor);
 }
 
 void KoComboBox::wheelEvent(QWheelEvent* event) {
@@ -441,6 +503,76 @@ void KoTabCtrl::paintEvent(QPaintEvent*) {
 }
 
 // --- tree ---------------------------------------------------------------------------------
+
+void KoTreeView::drawBranches(QPainter* painter, const QRect& rect,
+                              const QModelIndex& index) const {
+    QTreeWidget::drawBranches(painter, rect, index);
+    if (!hasLines)
+        return;
+    const int indent = indentation();
+    // The branch area holds one column per level, the item's own rightmost.
+    const int levels = rect.width() / std::max(1, indent);
+    if (levels <= 0)
+        return;
+    painter->save();
+    QPen pen(palette().color(QPalette::Mid));
+    pen.setStyle(Qt::DotLine);
+    painter->setPen(pen);
+    const int midY = rect.center().y();
+    const bool hasChildren = model()->hasChildren(index);
+    const int gap = hasChildren ? 5 : 0; // leave the expand button clear
+    int column = levels - 1;
+    const int ownX = rect.left() + column * indent + indent / 2;
+    const bool ownNext = index.sibling(index.row() + 1, 0).isValid();
+    painter->drawLine(ownX, rect.top(), ownX, midY - gap);
+    if (ownNext)
+        painter->drawLine(ownX, midY + gap, ownX, rect.bottom());
+    painter->drawLine(ownX + gap, midY, rect.left() + levels * indent - 2, midY);
+    // Each ancestor with a sibling below carries its line on through this row.
+    for (QModelIndex up = index.parent(); up.isValid() && --column >= 0; up = up.parent()) {
+        if (up.sibling(up.row() + 1, 0).isValid()) {
+            const int x = rect.left() + column * indent + indent / 2;
+            painter->drawLine(x, rect.top(), x, rect.bottom());
+        }
+    }
+    painter->restore();
+}
+
+namespace {
+// Refuses a text wider than the field's visible text area.
+class FitWidthValidator : public QValidator {
+public:
+    explicit FitWidthValidator(QLineEdit* edit) : QValidator(edit), m_edit(edit) {}
+    State validate(QString& input, int& /*pos*/) const override {
+        // The text area: the field less its frame, text margins and the 2-pixel inner margin
+        // on each side that a line edit keeps (fixed in the widget, not read from the style).
+        const int frame =
+            m_edit->hasFrame() ? m_edit->style()->pixelMetric(QStyle::PM_DefaultFrameWidth) : 0;
+        const QMargins margins = m_edit->textMargins();
+        const int available =
+            m_edit->width() - 2 * frame - margins.left() - margins.right() - 2 * 2;
+        const int needed = m_edit->fontMetrics().horizontalAdvance(input);
+        return needed <= available ? Acceptable : Invalid;
+    }
+
+private:
+    QLineEdit* m_edit;
+};
+} // namespace
+
+void LimitTypingToWidth(QLineEdit* edit) {
+    if (edit)
+        edit->setValidator(new FitWidthValidator(edit));
+}
+
+void HideSelectionWhenUnfocused(QAbstractItemView* view) {
+    QPalette palette = view->palette();
+    palette.setColor(QPalette::Inactive, QPalette::Highlight,
+                     palette.color(QPalette::Inactive, QPalette::Base));
+    palette.setColor(QPalette::Inactive, QPalette::HighlightedText,
+                     palette.color(QPalette::Inactive, QPalette::Text));
+    view->setPalette(palette);
+}
 
 KoTreeView::KoTreeView(QWidget* parent) : QTreeWidget(parent) {
     setHeaderHidden(true);

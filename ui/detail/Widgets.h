@@ -5,12 +5,15 @@
 #include "platform/CString.h"
 #include "ui/Win.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPointer>
 #include <QTabBar>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <vector>
@@ -107,8 +110,19 @@ public:
     void showPopup() override;
     void hidePopup() override;
     bool dropped = false;
+    int minDroppedWidth = 0; // the open list's minimum width, 0 for the box's own
     // The attached CComboBox's hooks, called by the event filters.
     void ListMouseMove(QPoint viewportPos);
+    // Hover tracking of the box and of its edit field, as the window system's mouse-event
+    // tracking does it: a pointer that rests for the hover time within a few pixels raises one
+    // hover, and no other until the pointer has left the window. It works whether or not the
+    // dialog is the active window.
+    static constexpr int kHoverTimeMs = 400;
+    static constexpr int kHoverSlopPx = 4;
+    void TrackHover(QWidget* target, QPoint pos);
+    void EndHover(QWidget* target);
+    // Raises the pending hover now, as the timer's expiry would; false when none is pending.
+    bool RaisePendingHover();
     void ListLeave();
     bool ListClickAllowed(int index);
     // A user's choice of an entry: opens the list, clicks the entry, which closes it and
@@ -120,6 +134,13 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     bool event(QEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+
+private:
+    void HoverExpired();
+    QTimer m_hoverTimer;
+    QPointer<QWidget> m_hoverTarget; // the box or its edit field, while the pointer is in it
+    QPoint m_hoverAnchor;
+    bool m_hoverRaised = false;
 };
 
 class KoTabCtrl : public QWidget {
@@ -136,10 +157,22 @@ protected:
 class KoTreeView : public QTreeWidget {
 public:
     explicit KoTreeView(QWidget* parent);
+    bool hasLines = false; // dotted lines join items to their parents and siblings
     // Moves the current item with the two notices; false when vetoed or gone. action is a
     // TVC_ value.
     bool MoveSelection(QTreeWidgetItem* item, UINT action);
+
+protected:
+    void drawBranches(QPainter* painter, const QRect& rect,
+                      const QModelIndex& index) const override;
 };
+
+// A field without automatic horizontal scrolling takes no more text than its visible width
+// shows: typing or pasting past it is refused. Text the program sets is kept whole.
+void LimitTypingToWidth(QLineEdit* edit);
+// Without "show selection always", a list or tree shows its selection only while it has the
+// focus, as the window system's own controls do.
+void HideSelectionWhenUnfocused(QAbstractItemView* view);
 
 class KoListView : public QTreeWidget {
 public:

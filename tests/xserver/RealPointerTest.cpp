@@ -1,0 +1,205 @@
+// Behaviour that depends on the window system, under a real X server: the pointer is moved with
+// QCursor::setPos, so the server itself sends the motion and crossing events (and the tooltip
+// wake-up that follows a resting pointer). Run by run-under-xvfb.sh.
+
+#include "dialogs/CTTComboBox.h"
+#include "host/HostData.h"
+#include "presenter/CQdDeConfigPresenter.h"
+#include "support/TestHost.h"
+#include "ui/DialogTemplate.h"
+#include "ui/ModalHook.h"
+#include "workbench/CAutoConfigDlg.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QLineEdit>
+#include <QScreen>
+#include <QTableWidget>
+#include <QTest>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+using namespace AutoConfigIds;
+
+namespace {
+
+// Long enough to need a tip in a narrow box; the cut list line needs more (see below).
+const CString kLong = L"镀锌钢管螺纹连接公称直径不大于五十毫米的室内给水管道";
+
+QWidget* MakeCombo(QWidget* host, int width, bool dropdown) {
+    koqdde::ui::ControlTemplate ctl;
+    ctl.id = 1022;
+    ctl.cls = L"combobox";
+    ctl.x = 10;
+    ctl.y = 10;
+    ctl.cx = width;
+    ctl.cy = 80;
+    ctl.styles.Add(dropdown ? L"dropdown" : L"droplist");
+    const auto units = koqdde::ui::MeasureBaseUnits(koqdde::ui::DefaultDialogFont());
+    return koqdde::ui::CreateControl(ctl, units, host);
+}
+
+// A top-level window; its controls are made first, then it is shown with them.
+struct Window {
+    Window() { widget.setGeometry(200, 150, 420, 240); }
+    void Show() {
+        widget.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&widget));
+    }
+    QWidget widget;
+};
+
+// Puts the real pointer on a point of a widget, or on a screen point.
+void PointAt(const QWidget* widget, QPoint pos) {
+    QCursor::setPos(widget->mapToGlobal(pos));
+}
+void PointAtScreen(QPoint pos) {
+    QCursor::setPos(pos);
+}
+QPoint FarAway() {
+    return QGuiApplication::primaryScreen()->geometry().bottomRight() - QPoint(5, 5);
+}
+
+bool TipShows(const CString& text) {
+    return QTest::qWaitFor(
+        [&] { return CTTComboBox::IsTipVisible() && CTTComboBox::GetTipText() == text; }, 5000);
+}
+
+// The tip stays while the pointer rests: no leave event reaches the field under it.
+void ExpectTipStays(const CString& text) {
+    QTest::qWait(1200);
+    EXPECT_TRUE(CTTComboBox::IsTipVisible());
+    EXPECT_EQ(CTTComboBox::GetTipText(), text);
+}
+
+} // namespace
+
+TEST(RealPointer, BoxTipStaysUntilThePointerLeavesTheBox) {
+    PointAtScreen(FarAway());
+    Window window;
+    CTTComboBox box;
+    box.Attach(MakeCombo(&window.widget, 40, false));
+    box.AddString(kLong);
+    box.SetCurSel(0);
+    window.Show();
+    QWidget* combo = box.widget();
+    PointAt(combo, QPoint(combo->width() / 3, combo->height() / 2));
+    ASSERT_TRUE(TipShows(kLong));
+    ExpectTipStays(kLong);
+    // Moving inside the box keeps it; leaving the box takes it away.
+    PointAt(combo, QPoint(combo->width() / 4, combo->height() / 2));
+    QTest::qWait(300);
+    EXPECT_TRUE(CTTComboBox::IsTipVisible());
+    PointAt(&window.widget, QPoint(300, 200));
+    EXPECT_TRUE(QTest::qWaitFor([] { return !CTTComboBox::IsTipVisible(); }, 3000));
+}
+
+TEST(RealPointer, EditTipStaysOverTheField) {
+    PointAtScreen(FarAway());
+    Window window;
+    CTTComboBox box;
+    box.Attach(MakeCombo(&window.widget, 40, true));
+    box.SetWindowText(kLong);
+    window.Show();
+    QWidget* edit = box.GetEditWnd();
+    ASSERT_NE(edit, nullptr);
+    PointAt(edit, QPoint(edit->width() / 2, edit->height() / 2));
+    ASSERT_TRUE(TipShows(kLong));
+    ExpectTipStays(kLong);
+    PointAtScreen(FarAway());
+    EXPECT_TRUE(QTest::qWaitFor([] { return !CTTComboBox::IsTipVisible(); }, 3000));
+}
+
+TEST(RealPointer, ACutLineOfTheOpenListGetsItsTip) {
+    PointAtScreen(FarAway());
+    Window window;
+    CTTComboBox box;
+    box.Attach(MakeCombo(&window.widget, 40, false));
+    // The list opens as wide as its widest line allows on this screen; the second line is cut
+    // there, though it is narrower than the widest.
+    const int screenWidth = QGuiApplication::primaryScreen()->geometry().width();
+    const QFontMetrics metrics(box.widget()->font());
+    CString cut = kLong;
+    while (metrics.horizontalAdvance(QString::fromStdWString(cut.GetString())) < screenWidth + 300)
+        cut += L"，加长";
+    box.AddString(L"钢管");
+    box.AddString(cut);
+    box.AddString(cut + cut);
+    window.Show();
+    box.UserDropDown();
+    QWidget* list = box.GetListWnd();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(list->window()));
+    const CRect line = box.GetListItemRect(1);
+    ASSERT_LE(line.right, screenWidth) << "the line is the visible one";
+    PointAt(list, QPoint(40, line.top + line.Height() / 2));
+    ASSERT_TRUE(TipShows(cut));
+    ExpectTipStays(cut);
+    // The short line fits: its tip is hidden.
+    const CRect first = box.GetListItemRect(0);
+    PointAt(list, QPoint(40, first.top + first.Height() / 2));
+    EXPECT_TRUE(QTest::qWaitFor([] { return !CTTComboBox::IsTipVisible(); }, 3000));
+    box.UserCloseUp();
+}
+
+TEST(RealPointer, ARowHeadClickSelectsTheRowAndDeleteTakesItsBill) {
+    PointAtScreen(FarAway());
+    TestHost host;
+    host.Add(L"给排水", L"管道", L"给水管", 1, 101);
+    host.data.project.bill.code = L"{BILL}";
+    {
+        CQdDeConfigPresenter presenter;
+        CPath fallback;
+        fallback.SpecId = 2;
+        fallback.LMemberId = 1;
+        fallback.SMemberId = 101;
+        fallback.ConfigId = 1;
+        std::vector<ConfigNode*> configs;
+        for (const wchar_t* number : {L"031001001001", L"031001006001"}) {
+            QdStruct qd;
+            qd.strQdId = number;
+            qd.strName = L"管道";
+            qd.strUnit = L"m";
+            qd.strQdCode = L"{BILL}";
+            ASSERT_TRUE(presenter.AddQd(qd, fallback, configs));
+        }
+        ASSERT_TRUE(presenter.Save());
+    }
+    bool selectedRow = false;
+    int rowsAfterDelete = -1;
+    koqdde::ui::ModalHookScope hook([&](CDialog& dialog) {
+        auto* grid = dynamic_cast<CGridCtrl*>(dialog.GetDlgItem(kGrid));
+        auto* table = grid ? dynamic_cast<QTableWidget*>(grid->widget()) : nullptr;
+        if (!table)
+            return IDCANCEL;
+        dialog.widget()->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(dialog.widget()));
+        // The head of row 2, the second bill: a real move, then the click where it rests.
+        const QRect head = table->visualRect(table->model()->index(2, 0));
+        PointAt(table->viewport(), head.center());
+        QTest::qWait(100);
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, Qt::NoModifier, head.center());
+        selectedRow =
+            grid->GetSelectedCellRange() == CCellRange(2, 1, 2, grid->GetColumnCount() - 1);
+        koqdde::ui::ClickDlgItem(dialog, kDeleteRows);
+        rowsAfterDelete = grid->GetRowCount();
+        dialog.SendMessage(WM_CLOSE);
+        return dialog.GetEndResult();
+    });
+    CAutoConfigDlg workbench(CString(), nullptr);
+    workbench.DoModal();
+    EXPECT_TRUE(selectedRow);
+    EXPECT_EQ(rowsAfterDelete, 2);
+    CQdDeConfigPresenter presenter;
+    CPath fallback;
+    fallback.SpecId = 2;
+    fallback.LMemberId = 1;
+    fallback.SMemberId = 101;
+    fallback.ConfigId = 1;
+    ConfigNode* config = presenter.GetConfig(fallback);
+    ASSERT_NE(config, nullptr);
+    ASSERT_EQ(config->GetQd().size(), 1u);
+    EXPECT_EQ(config->GetQd()[0]->m_qd.strQdId, L"031001001001");
+}
