@@ -7,7 +7,7 @@ packages=(
   g++ cmake ninja-build pkg-config make
   libpugixml-dev libsqlite3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  qt6-base-dev fonts-noto-cjk
+  qt6-base-dev fonts-noto-cjk fonts-dejavu-core
   xvfb xauth
 )
 

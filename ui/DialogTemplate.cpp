@@ -264,23 +264,36 @@ DialogBaseUnits MeasureBaseUnits(const QFont& font) {
     return units;
 }
 
-QFont DialogFont(const DialogTemplate& tmpl) {
-    QFont font = DefaultDialogFont();
-    if (!tmpl.fontFace.IsEmpty() && QFontDatabase::hasFamily(ToQString(tmpl.fontFace)))
-        font.setFamily(ToQString(tmpl.fontFace));
-    font.setPointSize(tmpl.fontPoints > 0 ? tmpl.fontPoints : 9);
+namespace {
+constexpr const char* kUiFace = "DejaVu Sans";
+constexpr const char* kCjkFace = "Noto Sans CJK SC";
+
+// The face first, then the CJK face for the characters the first one lacks.
+QFont FontWithCjkFallback(const QString& face, int points) {
+    QFont font;
+    QStringList families;
+    if (QFontDatabase::hasFamily(face))
+        families << face;
+    if (QFontDatabase::hasFamily(QString::fromLatin1(kCjkFace)))
+        families << QString::fromLatin1(kCjkFace);
+    if (families.isEmpty())
+        font.setStyleHint(QFont::SansSerif);
+    else
+        font.setFamilies(families);
+    font.setPointSize(points);
     return font;
+}
+} // namespace
+
+QFont DialogFont(const DialogTemplate& tmpl) {
+    const QString face =
+        tmpl.fontFace.IsEmpty() ? QString::fromLatin1(kUiFace) : ToQString(tmpl.fontFace);
+    return FontWithCjkFallback(QFontDatabase::hasFamily(face) ? face : QString::fromLatin1(kUiFace),
+                               tmpl.fontPoints > 0 ? tmpl.fontPoints : 9);
 }
 
 QFont DefaultDialogFont() {
-    QFont font;
-    const QString cjk = QStringLiteral("Noto Sans CJK SC");
-    if (QFontDatabase::hasFamily(cjk))
-        font.setFamily(cjk);
-    else
-        font.setStyleHint(QFont::SansSerif);
-    font.setPointSize(9);
-    return font;
+    return FontWithCjkFallback(QString::fromLatin1(kUiFace), 9);
 }
 
 QWidget* CreateControl(const ControlTemplate& ctl, const DialogBaseUnits& units, QWidget* parent) {

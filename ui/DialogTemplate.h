@@ -66,8 +66,11 @@ struct DialogBaseUnits {
 };
 DialogBaseUnits MeasureBaseUnits(const QFont& font);
 
-// The dialog font: the template's face if installed, else "Noto Sans CJK SC", else the
-// application's sans font; at the template's point size (9 by default).
+// The dialog font: the template's face if installed, else the UI face "DejaVu Sans", with
+// "Noto Sans CJK SC" behind it for the characters the face lacks; at the template's point size
+// (9 by default). The base units come from the first face, as the window system measures a
+// dialog's own font, so a 9-point dialog is about 7 by 14 pixels a unit pair, and the CJK
+// text is drawn in the CJK face.
 QFont DialogFont(const DialogTemplate& tmpl);
 QFont DefaultDialogFont();
 

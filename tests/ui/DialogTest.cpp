@@ -8,8 +8,10 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QFontDatabase>
 #include <QFontInfo>
 #include <QKeyEvent>
+#include <QRawFont>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -68,13 +70,25 @@ TEST(UiTemplate, DialogUnitsBecomePixelsByTheFontsAverageCharacter) {
 
     const QFont font = DialogFont(*tmpl);
     EXPECT_EQ(font.pointSize(), 9);
-    EXPECT_EQ(QFontInfo(font).family(), QStringLiteral("Noto Sans CJK SC"));
+    EXPECT_EQ(QFontInfo(font).family(), QStringLiteral("DejaVu Sans"));
+    // Chinese text is drawn in the CJK face behind it.
+    EXPECT_EQ(QRawFont::fromFont(font, QFontDatabase::SimplifiedChinese).familyName(),
+              QStringLiteral("Noto Sans CJK SC"));
     const DialogBaseUnits units = MeasureBaseUnits(font);
-    // A 9-point face has an average letter of a few pixels and a line of a dozen or more.
-    EXPECT_GE(units.baseX, 4);
-    EXPECT_LE(units.baseX, 12);
-    EXPECT_GE(units.baseY, 10);
-    EXPECT_LE(units.baseY, 24);
+    // The units of a 9-point UI face: an average letter of 6 or 7 pixels, a line of 13 or 14,
+    // not the tall line of the CJK face.
+    EXPECT_GE(units.baseX, 6);
+    EXPECT_LE(units.baseX, 7);
+    EXPECT_GE(units.baseY, 13);
+    EXPECT_LE(units.baseY, 14);
+
+    // The workbench, the largest dialog, fits a 1366 by 768 laptop screen with room for its
+    // title bar and a panel (1366 by 728 in all).
+    auto workbench = LoadDialogTemplate(CString(L"IDD_AUTOCONFIG"));
+    ASSERT_TRUE(workbench);
+    const DialogBaseUnits own = MeasureBaseUnits(DialogFont(*workbench));
+    EXPECT_LE(own.ToPixelsX(workbench->cx), 1366);
+    EXPECT_LE(own.ToPixelsY(workbench->cy) + 30, 728);
 
     DemoDialog dlg;
     RunDialog(dlg, [&](CDialog& d) {

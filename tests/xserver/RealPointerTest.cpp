@@ -15,12 +15,15 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QLineEdit>
+#include <QPixmap>
 #include <QScreen>
 #include <QTableWidget>
 #include <QTest>
 #include <QWidget>
 
 #include <gtest/gtest.h>
+
+#include <cstdlib>
 
 using namespace AutoConfigIds;
 
@@ -68,11 +71,17 @@ bool TipShows(const CString& text) {
         [&] { return CTTComboBox::IsTipVisible() && CTTComboBox::GetTipText() == text; }, 5000);
 }
 
-// The tip stays while the pointer rests: no leave event reaches the field under it.
+// The tip stays while the pointer rests: no leave event reaches the field under it. With
+// KOQDDE_SCREENSHOT_DIR set, the screen is saved there as it stands, to be looked at.
 void ExpectTipStays(const CString& text) {
     QTest::qWait(1200);
     EXPECT_TRUE(CTTComboBox::IsTipVisible());
     EXPECT_EQ(CTTComboBox::GetTipText(), text);
+    if (const char* dir = std::getenv("KOQDDE_SCREENSHOT_DIR")) {
+        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+        QGuiApplication::primaryScreen()->grabWindow(0).save(QString::fromLocal8Bit(dir) + "/" +
+                                                             test->name() + ".png");
+    }
 }
 
 } // namespace
