@@ -11,6 +11,7 @@
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QRawFont>
 #include <QWidget>
 
@@ -108,6 +109,43 @@ TEST(UiTemplate, DialogUnitsBecomePixelsByTheFontsAverageCharacter) {
         d.MapDialogRect(&mapped);
         EXPECT_EQ(mapped, rc);
     });
+}
+
+TEST(UiTemplate, StyleFlagsLimitTypingAndKeepTheSelectionShown) {
+    const DialogBaseUnits units = MeasureBaseUnits(DefaultDialogFont());
+    QWidget parent;
+    auto make = [&](const wchar_t* cls, std::initializer_list<const wchar_t*> styles) {
+        ControlTemplate ctl;
+        ctl.cls = cls;
+        ctl.cx = 40;
+        ctl.cy = 40;
+        for (const wchar_t* style : styles)
+            ctl.styles.Add(style);
+        return CreateControl(ctl, units, &parent);
+    };
+    // A field without automatic scrolling takes no more than its width; text set by the
+    // program is kept whole.
+    const QString digits = QStringLiteral("12345678901234567890123456789012345678901234567890");
+    auto* fixed = qobject_cast<QLineEdit*>(make(L"edit", {}));
+    auto* scrolling = qobject_cast<QLineEdit*>(make(L"edit", {L"autohscroll"}));
+    ASSERT_TRUE(fixed && scrolling);
+    fixed->insert(QStringLiteral("12"));
+    fixed->insert(digits);
+    EXPECT_EQ(fixed->text(), QStringLiteral("12"));
+    scrolling->insert(digits);
+    EXPECT_EQ(scrolling->text(), digits);
+    fixed->setText(digits);
+    EXPECT_EQ(fixed->text(), digits);
+
+    // Without "showselalways" an unfocused selection is drawn as plain text.
+    for (const wchar_t* cls : {L"listview", L"treeview"}) {
+        const QPalette hidden = make(cls, {})->palette();
+        const QPalette shown = make(cls, {L"showselalways"})->palette();
+        EXPECT_EQ(hidden.color(QPalette::Inactive, QPalette::Highlight),
+                  hidden.color(QPalette::Inactive, QPalette::Base));
+        EXPECT_NE(shown.color(QPalette::Inactive, QPalette::Highlight),
+                  shown.color(QPalette::Inactive, QPalette::Base));
+    }
 }
 
 TEST(UiDialog, InitBindsControlsAndOkSavesTheData) {
