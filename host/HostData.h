@@ -62,6 +62,10 @@ struct HostData {
     HostProject project;
     HostProfile profile;
     std::map<CString, CStringArray> dropLists; // drop-down lists by key
+    // The library databases (bill and quota libraries, calculation rules); each names its
+    // kind and code in its "library" table. The project's libraries are found by code.
+    std::vector<CString> libraryFiles;
+    CString historyFile; // the project's bill history database; empty for none
 
     const HostSpecialty* FindSpec(const CString& name) const;
     const HostSpecialty* FindSpecById(int id) const;

@@ -3,6 +3,7 @@
 // attributes of each small category, its bill and quota libraries, and the version stamp of
 // configuration files. Everything is answered from the installed HostData.
 
+#include "host/QvBillKit/QvBillKit.h"
 #include "platform/CString.h"
 
 #include <vector>
@@ -83,6 +84,21 @@ public:
 
 private:
     SQvKoSmallCategoryId m_id;
+};
+
+// The project's bill history: the bills it has used, from its history database.
+class CQdHistoryMng {
+public:
+    // Appends the bills used under this number (those whose number begins with it), in the
+    // order they were first used. False when the project has no history.
+    bool GetQdInfoByQdNum(const CString& number, std::vector<SQdInfo>& records) const;
+};
+
+class CSys {
+public:
+    // Where a small category ("专业\大类\小类") opens the bill library's chapter tree:
+    // chapter codes from the root joined by "\"; empty when the library doesn't say.
+    static CString GetIndexPath(const CString& treePath);
 };
 
 namespace QvKoXmlVertion {

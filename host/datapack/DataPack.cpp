@@ -1,5 +1,7 @@
 #include "host/datapack/DataPack.h"
 
+#include "host/sqlite/LibraryFiles.h"
+
 #include <pugixml.hpp>
 
 #include <algorithm>
@@ -26,6 +28,8 @@ namespace {
 constexpr const wchar_t* kCatalogFile = L"catalog.xml";
 constexpr const wchar_t* kDropListsFile = L"droplists.xml";
 constexpr const wchar_t* kProfileFolder = L"profile";
+constexpr const wchar_t* kLibrariesFolder = L"libraries";
+constexpr const wchar_t* kSchemaFile = L"schema.sql";
 constexpr const wchar_t* kProjectFolder = L"project";
 constexpr const wchar_t* kProjectExtension = L".kprj";
 constexpr const wchar_t* kDefaultProject = L"示例工程.kprj";
@@ -462,6 +466,51 @@ bool PrepareConfigDir(const CString& configDir, const CString& profileDir, CStri
     return true;
 }
 
+bool AddMissingPackFiles(const CString& from, const CString& to, CString& error) {
+    std::error_code ec;
+    const fs::path source = ToPath(from);
+    if (from.IsEmpty() || !fs::is_directory(source, ec))
+        return true;
+    for (auto it = fs::recursive_directory_iterator(source, ec);
+         !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
+        const fs::path target = ToPath(to) / fs::relative(it->path(), source, ec);
+        if (ec || fs::exists(target, ec))
+            continue;
+        if (it->is_directory(ec))
+            fs::create_directories(target, ec);
+        else
+            fs::copy_file(it->path(), target, ec);
+        if (ec)
+            return Fail(error, FromPath(target),
+                        L"cannot add it from the bundled pack: " + FromUtf8(ec.message()));
+    }
+    return true;
+}
+
+bool LoadLibraries(const CString& packDir, const CString& projectFile, HostData& out,
+                   CString& error) {
+    const CString libraries = Join(packDir, kLibrariesFolder);
+    const CString schema = Join(libraries, kSchemaFile);
+    std::error_code ec;
+    if (!fs::exists(ToPath(schema), ec))
+        return true; // a pack without libraries: the pickers and numbering find nothing
+    std::vector<CString> built;
+    if (!BuildStaleDatabases(libraries, schema, built, error))
+        return false;
+    out.libraryFiles = DatabaseFilesIn(libraries);
+    // The project's history sits beside the project file: <project>.history.sql.
+    fs::path history = ToPath(projectFile);
+    history.replace_extension(".history.sql");
+    if (fs::exists(history, ec)) {
+        fs::path database = history;
+        database.replace_extension(".db");
+        if (!BuildStaleDatabases(FromPath(history.parent_path()), schema, built, error))
+            return false;
+        out.historyFile = FromPath(database);
+    }
+    return true;
+}
+
 bool LoadDataPack(const DataPackOptions& options, HostData& out, CString& error) {
     std::error_code ec;
     CString packDir = options.dataDir;
@@ -477,6 +526,8 @@ bool LoadDataPack(const DataPackOptions& options, HostData& out, CString& error)
         return Fail(error, packDir, L"data pack folder not found");
     }
     packDir = Absolute(packDir);
+    if (options.dataDir.IsEmpty() && !AddMissingPackFiles(BundledPackDir(), packDir, error))
+        return false;
 
     HostData data;
     CString catalogPath = Join(packDir, kCatalogFile);
@@ -492,7 +543,8 @@ bool LoadDataPack(const DataPackOptions& options, HostData& out, CString& error)
             return false;
         projectFile = *found;
     }
-    if (!LoadProjectFile(projectFile, data, error))
+    if (!LoadProjectFile(projectFile, data, error) ||
+        !LoadLibraries(packDir, projectFile, data, error))
         return false;
 
     CString profileDir = Join(packDir, kProfileFolder);

@@ -39,6 +39,14 @@ bool CheckDropKeys(const HostData& data, const CString& catalogPath, CString& er
 // alone. The copy is made beside the target and renamed into place, so an interrupted first
 // run never leaves half a pack behind.
 bool EnsurePackCopy(const CString& from, const CString& to, CString& error);
+// Copies into to every file and folder of from that to lacks, leaving what is there alone: a
+// per-user copy made by an earlier version gains what the bundled pack has added since.
+bool AddMissingPackFiles(const CString& from, const CString& to, CString& error);
+// Builds the databases of <pack>/libraries and the project's history (<project>.history.sql
+// beside the project file) where they are missing or older than their sources, and lists them
+// in out. A pack without libraries/schema.sql has no libraries.
+bool LoadLibraries(const CString& packDir, const CString& projectFile, HostData& out,
+                   CString& error);
 // Creates configDir when it doesn't exist and seeds it with the files of profileDir; an
 // existing folder is left as it is.
 bool PrepareConfigDir(const CString& configDir, const CString& profileDir, CString& error);

@@ -1,0 +1,147 @@
+// The library databases: built from the pack's schema and a source of INSERT statements, and
+// the host stand-ins that answer from them.
+
+#include "host/QvBillKit/QvBillKit.h"
+#include "host/QvCalcRules/QvCalcRules.h"
+#include "host/QvKoProject/QvKoProject.h"
+#include "host/sqlite/LibraryFiles.h"
+#include "platform/FileSystem.h"
+#include "support/TestHost.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace {
+
+const CString kSchema = FromUtf8(KOQDDE_SOURCE_DIR "/data/sample/libraries/schema.sql");
+
+const char* const kBills = R"(
+INSERT INTO library (key, value) VALUES ('kind', 'bill'), ('code', '{B}'),
+  ('code_len', '12'), ('suffix_len', '3');
+INSERT INTO chapter (id, parent, position, code, name) VALUES
+  (1, NULL, 0, '0310', '给排水、采暖、燃气工程'), (2, 1, 0, '031001', '给排水、采暖、燃气管道');
+INSERT INTO bill (number, chapter, position, name, unit, unit_coefficient, annex, formula,
+  feature, work) VALUES
+  ('031001006001', 2, 0, '塑料管', 'm', 1, 1, 'L', '1.材质', '1.管道安装'),
+  ('031001006002', 2, 1, '塑料管(热熔)', '10m', 10, 0, '', '', '');
+INSERT INTO index_path (tree_path, chapter_path) VALUES ('给排水\管道\给水管', '0310\031001');
+)";
+
+const char* const kRules = R"(
+INSERT INTO library (key, value) VALUES ('kind', 'rules');
+INSERT INTO calc_item (category, position, name, code, formula) VALUES
+  ('给排水\管道\给水管', 1, '外表面积', 'WBMJ', 'L*0.1'),
+  ('给排水\管道\给水管', 0, '长度', 'CD', 'L'),
+  ('暖通\风管\送风管', 0, '展开面积', 'ZKMJ', 'S');
+)";
+
+const char* const kHistory = R"(
+INSERT INTO qd_history (number, name, unit, position) VALUES
+  ('031001006007', '塑料管', 'm', 0), ('031001006003', '塑料管', 'm', 1),
+  ('031001001001', '镀锌钢管', 'm', 2);
+)";
+
+struct Libraries {
+    Libraries() {
+        CString error;
+        for (auto [name, source] :
+             {std::pair{L"bills", kBills}, {L"rules", kRules}, {L"history", kHistory}}) {
+            const CString sql = dir.Write(CString(name) + L".sql", source);
+            EXPECT_TRUE(BuildLibraryDatabase(kSchema, sql, dir.File(CString(name) + L".db"), error))
+                << ToUtf8(error);
+        }
+        host.data.libraryFiles = DatabaseFilesIn(dir.Path());
+        host.data.historyFile = dir.File(L"history.db");
+        host.data.project.bill.code = L"{B}";
+    }
+    TempDir dir;
+    TestHost host;
+};
+
+} // namespace
+
+TEST(Libraries, BillLibraryAnswersByNumberRuleAndTreePosition) {
+    Libraries libraries;
+    SQdInfo info;
+    ASSERT_TRUE(IBillLib::GetQdInfo(L"031001006002", info));
+    EXPECT_EQ(info.strName, L"塑料管(热熔)");
+    EXPECT_EQ(info.strUnit, L"10m");
+    EXPECT_EQ(info.nUnitCoef, 10);
+    EXPECT_EQ(info.nAnnex, 0);
+    ASSERT_TRUE(IBillLib::GetQdInfo(L"031001006001", info));
+    EXPECT_EQ(info.nAnnex, 1);
+    EXPECT_EQ(info.strFormula, L"L");
+    EXPECT_EQ(info.strFeature, L"1.材质");
+    EXPECT_FALSE(IBillLib::GetQdInfo(L"031001006", info)) << "a prefix is no bill";
+    EXPECT_TRUE(IBillLib::IsInQdk(L"031001006002"));
+    EXPECT_FALSE(IBillLib::IsInQdk(L"031001006003"));
+    int code = 0, suffix = 0;
+    IBillLib::GetEnCodeRule(code, suffix);
+    EXPECT_EQ(code, 12);
+    EXPECT_EQ(suffix, 3);
+    EXPECT_EQ(CSys::GetIndexPath(L"给排水\\管道\\给水管"), L"0310\\031001");
+    EXPECT_EQ(CSys::GetIndexPath(L"给排水\\管道\\排水管"), L"");
+
+    // Another project's library code: nothing is known, the rule is -1.
+    libraries.host.data.project.bill.code = L"{OTHER}";
+    EXPECT_FALSE(IBillLib::GetQdInfo(L"031001006001", info));
+    EXPECT_FALSE(IBillLib::IsInQdk(L"031001006001"));
+    IBillLib::GetEnCodeRule(code, suffix);
+    EXPECT_EQ(code, -1);
+    EXPECT_EQ(suffix, -1);
+}
+
+TEST(Libraries, CalculationItemsComeInPositionOrderAndByName) {
+    Libraries libraries;
+    CStringArray names{L"kept?"}, codes;
+    ASSERT_TRUE(CFaceSysRule::GetCalItems(L"给排水\\管道\\给水管", names, codes));
+    auto list = [](const CStringArray& a) { return std::vector<CString>(a.begin(), a.end()); };
+    EXPECT_EQ(list(names), (std::vector<CString>{L"长度", L"外表面积"})) << "emptied first";
+    EXPECT_EQ(list(codes), (std::vector<CString>{L"CD", L"WBMJ"}));
+    EXPECT_FALSE(CFaceSysRule::GetCalItems(L"给排水\\管道\\排水管", names, codes));
+    EXPECT_TRUE(names.IsEmpty());
+    RuleCodeStruct rule;
+    ASSERT_TRUE(CFaceSysRule::GetCalItemInfo(L"展开面积", rule));
+    EXPECT_EQ(rule.strFormula, L"S");
+    EXPECT_FALSE(CFaceSysRule::GetCalItemInfo(L"体积", rule));
+}
+
+TEST(Libraries, HistoryGivesTheNumbersUsedUnderAPrefixInTheirOrder) {
+    Libraries libraries;
+    std::vector<SQdInfo> records;
+    ASSERT_TRUE(CQdHistoryMng().GetQdInfoByQdNum(L"031001006", records));
+    ASSERT_EQ(records.size(), 2u);
+    EXPECT_EQ(records[0].strQdNum, L"031001006007");
+    EXPECT_EQ(records[1].strQdNum, L"031001006003");
+    records.clear();
+    EXPECT_TRUE(CQdHistoryMng().GetQdInfoByQdNum(L"03100100_", records));
+    EXPECT_TRUE(records.empty()) << "no wildcard in a number";
+    libraries.host.data.historyFile = CString();
+    EXPECT_FALSE(CQdHistoryMng().GetQdInfoByQdNum(L"031001006", records));
+}
+
+TEST(Libraries, StaleDatabasesAreRebuiltAndABrokenSourceNamesItself) {
+    TempDir dir;
+    const CString source = dir.Write(L"lib.sql", kBills);
+    std::vector<CString> built;
+    CString error;
+    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), kSchema, built, error)) << ToUtf8(error);
+    EXPECT_EQ(built, std::vector<CString>{dir.File(L"lib.db")});
+    built.clear();
+    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), kSchema, built, error));
+    EXPECT_TRUE(built.empty()) << "fresh databases stay";
+
+    // A newer source is built again; a broken one leaves the old database in place.
+    dir.Write(L"lib.sql", std::string(kBills) + "INSERT INTO bill (number) VALUES ('x');");
+    namespace fs = std::filesystem;
+    fs::last_write_time(ToUtf8(source),
+                        fs::last_write_time(ToUtf8(dir.File(L"lib.db"))) + std::chrono::seconds(5));
+    EXPECT_FALSE(BuildStaleDatabases(dir.Path(), kSchema, built, error));
+    EXPECT_NE(error.Find(L"lib.sql"), -1) << ToUtf8(error);
+    EXPECT_NE(error.Find(L"NOT NULL"), -1) << ToUtf8(error);
+    SqliteDb db;
+    ASSERT_TRUE(db.Open(dir.File(L"lib.db"), true, error));
+    EXPECT_EQ(LibraryFact(db, L"code"), L"{B}");
+    EXPECT_FALSE(PathExists(dir.File(L"lib.db.building")));
+}
