@@ -22,6 +22,9 @@ namespace fs = std::filesystem;
 #ifndef KOQDDE_SAMPLE_DIR
 #define KOQDDE_SAMPLE_DIR ""
 #endif
+#ifndef KOQDDE_SAMPLE_BUILT_DIR
+#define KOQDDE_SAMPLE_BUILT_DIR ""
+#endif
 
 namespace {
 
@@ -494,18 +497,26 @@ bool LoadLibraries(const CString& packDir, const CString& projectFile, HostData&
     std::error_code ec;
     if (!fs::exists(ToPath(schema), ec))
         return true; // a pack without libraries: the pickers and numbering find nothing
-    std::vector<CString> built;
-    if (!BuildStaleDatabases(libraries, schema, built, error))
+    // Databases are built beside their sources, except for the bundled pack in the source
+    // tree, whose databases go to the build tree: nothing is ever written into the sources.
+    const bool sourceTree = !BundledPackDir().IsEmpty() &&
+                            fs::equivalent(ToPath(packDir), ToPath(BundledPackDir()), ec);
+    const CString built = sourceTree ? FromUtf8(KOQDDE_SAMPLE_BUILT_DIR) : packDir;
+    std::vector<CString> made;
+    const CString libraryDbs = Join(built, kLibrariesFolder);
+    if (!BuildStaleDatabases(libraries, schema, libraryDbs, made, error))
         return false;
-    out.libraryFiles = DatabaseFilesIn(libraries);
+    out.libraryFiles = DatabaseFilesIn(libraryDbs);
     // The project's history sits beside the project file: <project>.history.sql.
     fs::path history = ToPath(projectFile);
     history.replace_extension(".history.sql");
     if (fs::exists(history, ec)) {
-        fs::path database = history;
-        database.replace_extension(".db");
-        if (!BuildStaleDatabases(FromPath(history.parent_path()), schema, built, error))
+        const CString historyDbs =
+            sourceTree ? Join(built, kProjectFolder) : FromPath(history.parent_path());
+        if (!BuildStaleDatabases(FromPath(history.parent_path()), schema, historyDbs, made, error))
             return false;
+        fs::path database = ToPath(historyDbs) / history.filename();
+        database.replace_extension(".db");
         out.historyFile = FromPath(database);
     }
     return true;

@@ -54,9 +54,10 @@ bool BuildLibraryDatabase(const CString& schemaFile, const CString& sourceFile,
     return ok;
 }
 
-bool BuildStaleDatabases(const CString& folder, const CString& schemaFile,
+bool BuildStaleDatabases(const CString& folder, const CString& schemaFile, const CString& outFolder,
                          std::vector<CString>& built, CString& error) {
     std::error_code ec;
+    fs::create_directories(ToPath(outFolder), ec);
     std::vector<fs::path> sources;
     for (const auto& entry : fs::directory_iterator(ToPath(folder), ec)) {
         const fs::path& p = entry.path();
@@ -65,7 +66,7 @@ bool BuildStaleDatabases(const CString& folder, const CString& schemaFile,
     }
     std::sort(sources.begin(), sources.end());
     for (const fs::path& source : sources) {
-        fs::path target = source;
+        fs::path target = ToPath(outFolder) / source.filename();
         target.replace_extension(".db");
         std::error_code timeError;
         const bool fresh =

@@ -13,9 +13,10 @@
 bool BuildLibraryDatabase(const CString& schemaFile, const CString& sourceFile,
                           const CString& dbPath, CString& error);
 
-// For every "<name>.sql" of folder other than the schema, builds "<name>.db" when it is
-// missing or older than its source. The built databases' paths, in name order, go to built.
-bool BuildStaleDatabases(const CString& folder, const CString& schemaFile,
+// For every "<name>.sql" of folder other than the schema, builds "<name>.db" in outFolder
+// (made when missing) when it is missing or older than its source. The built databases'
+// paths, in name order, go to built.
+bool BuildStaleDatabases(const CString& folder, const CString& schemaFile, const CString& outFolder,
                          std::vector<CString>& built, CString& error);
 
 // The "*.db" files of a folder, in name order; none when the folder doesn't exist.

@@ -243,7 +243,14 @@ TEST(DataPackTest, PerUserCopyIsMadeOnceAndThenLeftAlone) {
     HostData data;
     CString error;
     ASSERT_TRUE(LoadDataPack({}, data, error)) << U8(error);
-    EXPECT_EQ(FilesUnder(copy), FilesUnder(BundledPackDir()));
+    // The copy holds the bundled files and, beside each library source, its built database.
+    std::set<std::string> expected = FilesUnder(BundledPackDir());
+    for (const std::string& file : FilesUnder(BundledPackDir()))
+        if (file.size() > 4 && file.ends_with(".sql") && !file.ends_with("schema.sql"))
+            expected.insert(file.substr(0, file.size() - 4) + ".db");
+    EXPECT_EQ(FilesUnder(copy), expected);
+    EXPECT_EQ(data.libraryFiles.size(), 5u);
+    EXPECT_EQ(U8(data.historyFile), U8(copy) + "/project/示例工程.history.db");
     EXPECT_EQ(ReadAll(copy + L"/catalog.xml"), ReadAll(BundledPackDir() + L"/catalog.xml"));
     EXPECT_EQ(U8(data.project.path), U8(copy) + "/project/示例工程.kprj");
     EXPECT_EQ(U8(data.profile.configPath), U8(copy) + "/profile");

@@ -126,10 +126,11 @@ TEST(Libraries, StaleDatabasesAreRebuiltAndABrokenSourceNamesItself) {
     const CString source = dir.Write(L"lib.sql", kBills);
     std::vector<CString> built;
     CString error;
-    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), kSchema, built, error)) << ToUtf8(error);
+    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), kSchema, dir.Path(), built, error))
+        << ToUtf8(error);
     EXPECT_EQ(built, std::vector<CString>{dir.File(L"lib.db")});
     built.clear();
-    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), kSchema, built, error));
+    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), kSchema, dir.Path(), built, error));
     EXPECT_TRUE(built.empty()) << "fresh databases stay";
 
     // A newer source is built again; a broken one leaves the old database in place.
@@ -137,7 +138,7 @@ TEST(Libraries, StaleDatabasesAreRebuiltAndABrokenSourceNamesItself) {
     namespace fs = std::filesystem;
     fs::last_write_time(ToUtf8(source),
                         fs::last_write_time(ToUtf8(dir.File(L"lib.db"))) + std::chrono::seconds(5));
-    EXPECT_FALSE(BuildStaleDatabases(dir.Path(), kSchema, built, error));
+    EXPECT_FALSE(BuildStaleDatabases(dir.Path(), kSchema, dir.Path(), built, error));
     EXPECT_NE(error.Find(L"lib.sql"), -1) << ToUtf8(error);
     EXPECT_NE(error.Find(L"NOT NULL"), -1) << ToUtf8(error);
     SqliteDb db;
