@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <string>
 #include <system_error>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -30,7 +32,9 @@ bool BuildLibraryDatabase(const CString& schemaFile, const CString& sourceFile,
         error = sourceFile + L": can't be read";
         return false;
     }
-    const CString temporary = dbPath + L".building";
+    // Named for this process: two programs loading one pack may build at the same time, and
+    // the rename makes whichever finishes last the one that stays.
+    const CString temporary = dbPath + L".building-" + FromUtf8(std::to_string(::getpid()));
     std::remove(ToUtf8(temporary).c_str());
     bool ok = false;
     {

@@ -4,6 +4,7 @@
 #include "host/QvBillKit/QvBillKit.h"
 #include "host/QvCalcRules/QvCalcRules.h"
 #include "host/QvKoProject/QvKoProject.h"
+#include "host/datapack/DataPack.h"
 #include "host/sqlite/LibraryFiles.h"
 #include "platform/FileSystem.h"
 #include "support/TestHost.h"
@@ -144,5 +145,36 @@ TEST(Libraries, StaleDatabasesAreRebuiltAndABrokenSourceNamesItself) {
     SqliteDb db;
     ASSERT_TRUE(db.Open(dir.File(L"lib.db"), true, error));
     EXPECT_EQ(LibraryFact(db, L"code"), L"{B}");
-    EXPECT_FALSE(PathExists(dir.File(L"lib.db.building")));
+    EXPECT_EQ(DatabaseFilesIn(dir.Path()), std::vector<CString>{dir.File(L"lib.db")})
+        << "no half-built database is left";
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(ToUtf8(dir.Path())))
+        names.push_back(entry.path().filename().string());
+    EXPECT_EQ(names.size(), 2u) << "the source and its database only";
+}
+
+TEST(Libraries, TheBundledPackAnswersThroughTheStandIns) {
+    TempDir config;
+    HostData data;
+    CString error;
+    ASSERT_TRUE(LoadDataPack({BundledPackDir(), L"", config.File(L"cfg")}, data, error))
+        << ToUtf8(error);
+    HostDataScope scope(&data);
+    SQdInfo info;
+    ASSERT_TRUE(IBillLib::GetQdInfo(L"031001001", info));
+    EXPECT_EQ(info.strName, L"镀锌钢管");
+    EXPECT_EQ(info.nAnnex, 1);
+    int code = 0, suffix = 0;
+    IBillLib::GetEnCodeRule(code, suffix);
+    EXPECT_EQ(code, 9);
+    EXPECT_EQ(suffix, 3);
+    EXPECT_EQ(CSys::GetIndexPath(L"给排水\\管道\\给水管"), L"0310\\031001");
+    CStringArray names, codes;
+    EXPECT_TRUE(CFaceSysRule::GetCalItems(L"给排水\\管道\\给水管", names, codes));
+    EXPECT_FALSE(CFaceSysRule::GetCalItems(L"弱电\\箱柜\\接线箱", names, codes))
+        << "the one category without calculation items";
+    std::vector<SQdInfo> used;
+    ASSERT_TRUE(CQdHistoryMng().GetQdInfoByQdNum(L"031001001", used));
+    ASSERT_GE(used.size(), 2u);
+    EXPECT_EQ(used[0].strName, L"镀锌钢管");
 }
