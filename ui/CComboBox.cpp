@@ -5,7 +5,6 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
-#include <QHelpEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QStyle>
@@ -240,14 +239,13 @@ int CComboBox::GetDroppedWidth() const {
         return CB_ERR;
     if (combo->dropped)
         return combo->view()->window()->width();
-    return std::max(combo->minDroppedWidth, combo->width());
+    return std::max(combo->view()->minimumWidth(), combo->width());
 }
 
 int CComboBox::SetDroppedWidth(int width) {
     KoComboBox* combo = Combo(this);
     if (!combo || width < 0)
         return CB_ERR;
-    combo->minDroppedWidth = width;
     // The popup is laid out from the view's minimum width when it opens.
     combo->view()->setMinimumWidth(width);
     return GetDroppedWidth();
@@ -354,28 +352,26 @@ void CComboBox::UserWheel(int delta) {
     QApplication::sendEvent(combo, &wheel);
 }
 
-void CComboBox::UserHoverBox() {
-    KoComboBox* combo = Combo(this);
-    if (!combo)
-        return;
-    // A move into the box, then the rest: the hover timer's expiry, raised at once.
-    const QPointF pos(combo->width() / 2.0, combo->height() / 2.0);
-    QMouseEvent move(QEvent::MouseMove, pos, combo->mapToGlobal(pos), Qt::NoButton, Qt::NoButton,
+namespace {
+// A move to the middle of the window, then the rest: the hover timer's expiry, raised at once.
+void HoverOver(KoComboBox* combo, QWidget* window) {
+    const QPointF pos(window->width() / 2.0, window->height() / 2.0);
+    QMouseEvent move(QEvent::MouseMove, pos, window->mapToGlobal(pos), Qt::NoButton, Qt::NoButton,
                      Qt::NoModifier);
-    QApplication::sendEvent(combo, &move);
+    QApplication::sendEvent(window, &move);
     combo->RaisePendingHover();
+}
+} // namespace
+
+void CComboBox::UserHoverBox() {
+    if (KoComboBox* combo = Combo(this))
+        HoverOver(combo, combo);
 }
 
 void CComboBox::UserHoverEdit() {
     KoComboBox* combo = Combo(this);
-    if (!combo || !combo->isEditable())
-        return;
-    QLineEdit* edit = combo->lineEdit();
-    const QPointF pos(edit->width() / 2.0, edit->height() / 2.0);
-    QMouseEvent move(QEvent::MouseMove, pos, edit->mapToGlobal(pos), Qt::NoButton, Qt::NoButton,
-                     Qt::NoModifier);
-    QApplication::sendEvent(edit, &move);
-    combo->RaisePendingHover();
+    if (combo && combo->isEditable())
+        HoverOver(combo, combo->lineEdit());
 }
 
 void CComboBox::UserLeaveBox() {

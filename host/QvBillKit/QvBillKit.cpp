@@ -5,12 +5,6 @@
 #include "platform/NumParse.h"
 
 namespace {
-// The project's bill library, opened for one call: the stand-ins keep no state between calls.
-bool OpenProjectBillLibrary(BillLibrary& library) {
-    const HostData* host = CurrentHostData();
-    return host && library.Open(host->libraryFiles, host->project.bill.code);
-}
-
 // A fact given as a number; -1 when the library doesn't give it.
 int RuleValue(const SqliteDb& db, const wchar_t* key) {
     const CString text = LibraryFact(db, key);
@@ -20,6 +14,11 @@ int RuleValue(const SqliteDb& db, const wchar_t* key) {
 
 bool BillLibrary::Open(const std::vector<CString>& files, const CString& code) {
     return OpenLibraryWith(files, L"code", code, m_db);
+}
+
+bool BillLibrary::OpenProjectLibrary() {
+    const HostData* host = CurrentHostData();
+    return host && Open(host->libraryFiles, host->project.bill.code);
 }
 
 bool BillLibrary::Find(const CString& number, SQdInfo& info) const {
@@ -59,17 +58,17 @@ CString BillLibrary::IndexPath(const CString& treePath) const {
 
 bool IBillLib::GetQdInfo(const CString& number, SQdInfo& info) {
     BillLibrary library;
-    return OpenProjectBillLibrary(library) && library.Find(number, info);
+    return library.OpenProjectLibrary() && library.Find(number, info);
 }
 
 void IBillLib::GetEnCodeRule(int& codeLength, int& suffixLength) {
     codeLength = suffixLength = -1;
     BillLibrary library;
-    if (OpenProjectBillLibrary(library))
+    if (library.OpenProjectLibrary())
         library.EncodingRule(codeLength, suffixLength);
 }
 
 bool IBillLib::IsInQdk(const CString& number) {
     BillLibrary library;
-    return OpenProjectBillLibrary(library) && library.Contains(number);
+    return library.OpenProjectLibrary() && library.Contains(number);
 }

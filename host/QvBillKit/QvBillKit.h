@@ -35,6 +35,9 @@ class BillLibrary {
 public:
     // Opens the bill library with this code among files; false when there is none.
     bool Open(const std::vector<CString>& files, const CString& code);
+    // Opens the installed project's bill library, for one call: the stand-ins keep no state
+    // between calls.
+    bool OpenProjectLibrary();
     bool Find(const CString& number, SQdInfo& info) const;
     bool Contains(const CString& number) const;
     void EncodingRule(int& codeLength, int& suffixLength) const;

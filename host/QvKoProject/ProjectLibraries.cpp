@@ -27,9 +27,6 @@ bool CQdHistoryMng::GetQdInfoByQdNum(const CString& number, std::vector<SQdInfo>
 }
 
 CString CSys::GetIndexPath(const CString& treePath) {
-    const HostData* host = CurrentHostData();
     BillLibrary library;
-    if (!host || !library.Open(host->libraryFiles, host->project.bill.code))
-        return CString();
-    return library.IndexPath(treePath);
+    return library.OpenProjectLibrary() ? library.IndexPath(treePath) : CString();
 }

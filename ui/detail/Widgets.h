@@ -110,7 +110,6 @@ public:
     void showPopup() override;
     void hidePopup() override;
     bool dropped = false;
-    int minDroppedWidth = 0; // the open list's minimum width, 0 for the box's own
     // The attached CComboBox's hooks, called by the event filters.
     void ListMouseMove(QPoint viewportPos);
     // Hover tracking of the box and of its edit field, as the window system's mouse-event
