@@ -32,11 +32,11 @@ namespace {
 // Long enough to need a tip in a narrow box; the cut list line needs more (see below).
 const CString kLong = L"镀锌钢管螺纹连接公称直径不大于五十毫米的室内给水管道";
 
-QWidget* MakeCombo(QWidget* host, int width, bool dropdown) {
+QWidget* MakeCombo(QWidget* host, int x, int width, bool dropdown) {
     koqdde::ui::ControlTemplate ctl;
     ctl.id = 1022;
     ctl.cls = L"combobox";
-    ctl.x = 10;
+    ctl.x = x;
     ctl.y = 10;
     ctl.cx = width;
     ctl.cy = 80;
@@ -86,14 +86,18 @@ void ExpectTipStays(const CString& text) {
 
 } // namespace
 
-TEST(RealPointer, BoxTipStaysUntilThePointerLeavesTheBox) {
+TEST(RealPointer, BoxAndFieldTipsStayUntilThePointerLeaves) {
     PointAtScreen(FarAway());
     Window window;
     CTTComboBox box;
-    box.Attach(MakeCombo(&window.widget, 40, false));
+    box.Attach(MakeCombo(&window.widget, 10, 40, false));
     box.AddString(kLong);
     box.SetCurSel(0);
+    CTTComboBox field;
+    field.Attach(MakeCombo(&window.widget, 120, 40, true));
+    field.SetWindowText(kLong);
     window.Show();
+
     QWidget* combo = box.widget();
     PointAt(combo, QPoint(combo->width() / 3, combo->height() / 2));
     ASSERT_TRUE(TipShows(kLong));
@@ -104,16 +108,8 @@ TEST(RealPointer, BoxTipStaysUntilThePointerLeavesTheBox) {
     EXPECT_TRUE(CTTComboBox::IsTipVisible());
     PointAt(&window.widget, QPoint(300, 200));
     EXPECT_TRUE(QTest::qWaitFor([] { return !CTTComboBox::IsTipVisible(); }, 3000));
-}
 
-TEST(RealPointer, EditTipStaysOverTheField) {
-    PointAtScreen(FarAway());
-    Window window;
-    CTTComboBox box;
-    box.Attach(MakeCombo(&window.widget, 40, true));
-    box.SetWindowText(kLong);
-    window.Show();
-    QWidget* edit = box.GetEditWnd();
+    QWidget* edit = field.GetEditWnd();
     ASSERT_NE(edit, nullptr);
     PointAt(edit, QPoint(edit->width() / 2, edit->height() / 2));
     ASSERT_TRUE(TipShows(kLong));
@@ -126,7 +122,7 @@ TEST(RealPointer, ACutLineOfTheOpenListGetsItsTip) {
     PointAtScreen(FarAway());
     Window window;
     CTTComboBox box;
-    box.Attach(MakeCombo(&window.widget, 40, false));
+    box.Attach(MakeCombo(&window.widget, 10, 40, false));
     // The list opens as wide as its widest line allows on this screen; the second line is cut
     // there, though it is narrower than the widest.
     const int screenWidth = QGuiApplication::primaryScreen()->geometry().width();
