@@ -66,6 +66,8 @@ struct HostData {
     // kind and code in its "library" table. The project's libraries are found by code.
     std::vector<CString> libraryFiles;
     CString historyFile; // the project's bill history database; empty for none
+    // The cloud disk's template store: one folder per category ("自动套模板"); empty for none.
+    CString cloudDir;
 
     const HostSpecialty* FindSpec(const CString& name) const;
     const HostSpecialty* FindSpecById(int id) const;

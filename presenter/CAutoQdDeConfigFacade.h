@@ -23,4 +23,10 @@ public:
     // is closed. Both arguments are ignored: the workbench centres on the application's frame.
     // Defined by the GUI part of the library (workbench/).
     static void StartQdDeConfig(CWnd* parent, const CRect& rect);
+    // Runs the workbench as a page of the cloud-template wizard on file, showing the
+    // template's bill and quota library names and, behind the link "说明", its description.
+    // Returns how the page was left: 1 forward, -1 back (only with canGoBack), 0 out. The file
+    // is saved in every case. Defined by the GUI part of the library (workbench/).
+    static int StartOnlineConfig(const CString& file, const CString& qdName, const CString& deName,
+                                 const CString& description, bool canGoBack, CWnd* parent);
 };

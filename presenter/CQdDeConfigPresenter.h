@@ -67,10 +67,14 @@ public:
     // The store, for tools that list the whole tree.
     IQdDeConfigData* GetData() const { return m_pData.get(); }
 
+    // The record of the current configuration's name, and the folder of the configuration
+    // files (made when missing). No file is opened: the host's cloud disk, which downloads a
+    // template as the current configuration, writes the record through these.
+    static void SetCurConfig(const CString& name);
+    static CString ConfigFolder();
+
 private:
-    void SetCurConfig(const CString& name);
-    CString ConfigFolder();
-    CString IniPath();
+    static CString IniPath();
     // Records the bare name of `file` (no folder, no extension) as the current configuration.
     void RecordCurrent(const CString& file);
 

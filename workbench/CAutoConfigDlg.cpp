@@ -3,9 +3,12 @@
 #include "workbench/CAutoConfigDlg.h"
 
 #include "host/QvKoProject/QvKoProject.h"
+#include "host/QvKoSettings/QvKoSettings.h"
+#include "host/ui/KoCloudKit/KoCloudKit.h"
 #include "host/ui/ZwCad/ZwCad.h"
 #include "platform/MessageBox.h"
 #include "platform/NumParse.h"
+#include "workbench/DlgSaveAs.h"
 
 #include <QWidget>
 
@@ -451,11 +454,58 @@ void CAutoConfigDlg::OnMoveDownConfig() {
     }
 }
 
-// The file commands need the file dialog, which this workbench does not have yet.
-void CAutoConfigDlg::OnNewFile() {}
-void CAutoConfigDlg::OnOpenFile() {}
-void CAutoConfigDlg::OnSaveFileAs() {}
-void CAutoConfigDlg::OnImportFromCloud() {}
+// File commands. None of them commits the grid: the store saves the model as it stands before
+// it switches files, and "另存" writes it as it stands.
+
+void CAutoConfigDlg::RebuildPanes() {
+    CPath path;
+    GetCategoryPath(path);
+    m_vecConfig.clear();
+    ReloadConfigs(path, m_vecConfig);
+    RefreshConfigList(m_vecConfig);
+}
+
+void CAutoConfigDlg::OnNewFile() {
+    DlgSaveAs dialog(DlgSaveAs::kNew, this, m_pPresenter->GetCurConfigDetailPath());
+    if (dialog.DoModal() != IDOK)
+        return;
+    if (!m_pPresenter->NewFile(dialog.GetFullFileName()))
+        return;
+    UpdateTitle();
+    RebuildPanes();
+}
+
+void CAutoConfigDlg::OnOpenFile() {
+    DlgSaveAs dialog(DlgSaveAs::kOpen, this, m_pPresenter->GetCurConfigDetailPath());
+    if (dialog.DoModal() != IDOK)
+        return;
+    if (!m_pPresenter->ReLoad(dialog.GetFullFileName())) {
+        ShowWarning(L"文件功能不匹配!");
+        return;
+    }
+    UpdateTitle();
+    RebuildPanes();
+}
+
+// The copy gets the new name; the dialog goes on with the file that was open.
+void CAutoConfigDlg::OnSaveFileAs() {
+    DlgSaveAs dialog(DlgSaveAs::kSaveAs, this, CString());
+    if (dialog.DoModal() != IDOK)
+        return;
+    if (m_pPresenter->SaveAs(dialog.GetFullFileName()))
+        MessageBoxExW(GetActiveWindow(), L"另存成功。", kMessageCaption, kInformationFlags, 0);
+}
+
+// The cloud disk may have put a new file in place of the current one, or made another file
+// current: read the current one anew.
+void CAutoConfigDlg::OnImportFromCloud() {
+    CNetDiskFunc::GetInstance()->ShowDialog(L"自动套模板", true);
+    UpdateTitle();
+    CString file = QvKoSettings::GetAppProfile().GetConfigPath() + L"/自动套配置/" +
+                   m_pPresenter->GetCurConfig() + L".xml";
+    m_pPresenter->ReLoad(file);
+    RebuildPanes();
+}
 
 // The way out. Cancel is no discard: whatever the user did goes to the file.
 

@@ -139,10 +139,15 @@ protected:
     void OnOpenFile();
     void OnSaveFileAs();
     void OnImportFromCloud();
+    // After a file switch: the selected small category's configurations from the new model.
+    void RebuildPanes();
     void SetPickButtonText();
     void OnPickButton();
     void OnDeleteRows();
     void SyncPicker();
+    CString PickerPosition();
+    void DefaultFormula(const CString& smallCategoryPath, CString& formula);
+    void SelectRowOfNumber(const CString& number);
     LRESULT OnApplyQd(WPARAM pick);
     LRESULT OnApplyDe(WPARAM pick);
     void CommitAndSave();
