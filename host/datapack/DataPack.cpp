@@ -563,8 +563,7 @@ bool LoadDataPack(const DataPackOptions& options, HostData& out, CString& error)
     if (!PrepareConfigDir(configDir, profileDir, error))
         return false;
     data.profile.configPath = configDir;
-    data.cloudDir =
-        Absolute(options.cloudDir.IsEmpty() ? Join(packDir, L"cloud") : options.cloudDir);
+    data.cloudDir = Join(packDir, L"cloud");
 
     out = std::move(data);
     return true;

@@ -10,7 +10,6 @@ struct DataPackOptions {
     CString dataDir;     // the pack's folder; empty: the per-user copy of the bundled pack
     CString projectFile; // empty: the single *.kprj under <pack>/project
     CString configDir;   // empty: <pack>/profile; created and seeded when it doesn't exist
-    CString cloudDir;    // the cloud disk's template store; empty: <pack>/cloud
 };
 
 // Where the bundled pack lives in the source tree.
