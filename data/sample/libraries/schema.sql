@@ -59,6 +59,20 @@ CREATE TABLE bill_quota (
   PRIMARY KEY (bill, quota)
 );
 
+-- Search tables: the names of bills and quotas under the trigram tokenizer, so that any run of
+-- three or more characters finds the items whose name holds it (shorter runs are looked up in
+-- the item tables themselves). The number rides along, unindexed, to join back. Sources hold
+-- INSERT statements only, so the insert triggers keep the search tables whole.
+CREATE VIRTUAL TABLE bill_fts USING fts5(number UNINDEXED, name, tokenize = 'trigram');
+CREATE TRIGGER bill_fts_fill AFTER INSERT ON bill BEGIN
+  INSERT INTO bill_fts (number, name) VALUES (new.number, new.name);
+END;
+
+CREATE VIRTUAL TABLE quota_fts USING fts5(number UNINDEXED, name, tokenize = 'trigram');
+CREATE TRIGGER quota_fts_fill AFTER INSERT ON quota BEGIN
+  INSERT INTO quota_fts (number, name) VALUES (new.number, new.name);
+END;
+
 -- Calculation items of the calculation rules, by small category path; position 0 is the
 -- category's default item.
 CREATE TABLE calc_item (
