@@ -15,11 +15,13 @@ std::vector<CommandSpec> QueryCommands();
 std::vector<CommandSpec> FileCommands();
 std::vector<CommandSpec> EditCommands();
 std::vector<CommandSpec> ToolCommands();
+std::vector<CommandSpec> LibraryCommands();
 
 const std::vector<CommandSpec>& AllCommands() {
     static const std::vector<CommandSpec> all = [] {
         std::vector<CommandSpec> list;
-        for (auto group : {QueryCommands, FileCommands, EditCommands, ToolCommands})
+        for (auto group :
+             {QueryCommands, FileCommands, EditCommands, LibraryCommands, ToolCommands})
             for (auto& command : group())
                 list.push_back(std::move(command));
         return list;

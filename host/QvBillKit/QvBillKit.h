@@ -20,6 +20,16 @@ struct SQdInfo {
     CString strWork;    // 工作内容
 };
 
+// A quota of a quota library as the pickers hand it over, fields in this order.
+struct SDeInfo {
+    int nUnitCoef = 1; // unit coefficient: 10 for 10m
+    int nAnnex = 0;    // non-zero: the quantities carry pipe fittings
+    CString strDeNum;
+    CString strName;
+    CString strUnit;
+    CString strFormula;
+};
+
 class IBillLib {
 public:
     // The bill with this number; false when the library has none (or there is no library).
