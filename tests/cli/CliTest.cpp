@@ -239,3 +239,61 @@ TEST_F(Cli, AttributeSettings) {
     EXPECT_TRUE(Has(Run({"attr", "get", kPipe, "材质"}).out, "vartype=1")) << "not kept";
     EXPECT_EQ(Run({"attr", "set", kPipe, "材质", "--vartype", "7"}).status, 2);
 }
+
+TEST_F(Cli, LibrariesAreSearchedAndTheirItemsAppliedWithTheDialogsNumbering) {
+    Result found = Run({"lib", "search", "镀锌钢"});
+    ASSERT_EQ(found.status, 0) << found.err;
+    EXPECT_TRUE(Has(found.out, "031001001\t镀锌钢管\tm\n"));
+    EXPECT_EQ(Run({"lib", "search", "没有这种东西"}).status, 1);
+    Result shown = Run({"--json", "lib", "show", "031001001"});
+    ASSERT_EQ(shown.status, 0) << shown.err;
+    EXPECT_TRUE(Has(shown.out, "\"quotas\": [")) << "a bill shows its linked quotas";
+    EXPECT_TRUE(Has(shown.out, "\"number\": \"10-1-2\""));
+    Result unknown = Run({"lib", "show", "039999999"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_TRUE(Has(unknown.err, "lib search"));
+
+    ASSERT_EQ(Run({"config", "add", kPipe}).status, 0);
+    // The history uses 001, 002, 007, 003 and 004 of this bill: a new number continues after
+    // the highest, and after the configuration's own.
+    auto number = [&](int qd) {
+        Result r = Run({"show", kPipe});
+        std::string key = "  qd " + std::to_string(qd) + ": ";
+        size_t at = r.out.find(key);
+        return at == std::string::npos ? std::string() : r.out.substr(at + key.size(), 12);
+    };
+    ASSERT_EQ(Run({"apply", "bill", kPipe, "2", "031001001"}).status, 0);
+    EXPECT_EQ(number(1), "031001001008");
+    ASSERT_EQ(Run({"apply", "bill", kPipe, "2", "031001001"}).status, 0);
+    EXPECT_EQ(number(2), "031001001009");
+    ASSERT_EQ(Run({"apply", "bill", kPipe, "2", "031001001", "--existing", "031001001002"}).status,
+              0);
+    EXPECT_EQ(number(3), "031001001002");
+
+    const std::string before = Bytes(Config());
+    struct Refusal {
+        std::vector<std::string> extra;
+        const char* reason;
+    };
+    for (const Refusal& refusal :
+         {Refusal{{"--existing", "031001001002"}, "同一构件不能多次套同一清单 !"},
+          Refusal{{"--existing", "031001001005"}, "not among the project's numbers"},
+          Refusal{{"--suffix", "01"}, "新清单号不符合规范!"},
+          Refusal{{"--suffix", "003"}, "清单已经套用!"}}) {
+        std::vector<std::string> args = {"apply", "bill", kPipe, "2", "031001001"};
+        args.insert(args.end(), refusal.extra.begin(), refusal.extra.end());
+        Result r = Run(args);
+        EXPECT_EQ(r.status, 2) << refusal.reason;
+        EXPECT_TRUE(Has(r.err, refusal.reason)) << r.err;
+    }
+    EXPECT_EQ(Bytes(Config()), before) << "a refused apply writes nothing";
+
+    Result loose = Run({"apply", "quota", kPipe, "2", "10-1-2"});
+    EXPECT_EQ(loose.status, 2);
+    EXPECT_TRUE(Has(loose.err, "--qd"));
+    ASSERT_EQ(Run({"apply", "quota", kPipe, "2", "10-1-2", "--qd", "1"}).status, 0);
+    Result listed = Run({"show", kPipe});
+    EXPECT_TRUE(Has(listed.out, "de 1: 10-1-2 室内镀锌钢管螺纹连接 DN25 [10m, x10] "
+                                "code={A3D95C12-7E48-4B06-8F1C-5D2E90B7A4E3} formula=L annex=是"))
+        << listed.out;
+}
