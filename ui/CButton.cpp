@@ -5,6 +5,7 @@
 
 #include <QAbstractButton>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 
 using namespace koqdde::ui;
 
@@ -14,10 +15,7 @@ int CButton::GetCheck() const {
 }
 
 void CButton::SetCheck(int check) {
-    if (auto* button = qobject_cast<QAbstractButton*>(widget())) {
-        ProgramScope program(button);
-        button->setChecked(check == BST_CHECKED);
-    }
+    SetButtonChecked(qobject_cast<QAbstractButton*>(widget()), check == BST_CHECKED);
 }
 
 void CButton::Click() {
@@ -33,16 +31,20 @@ void CStatic::UserClick() {
 }
 
 BOOL CEdit::SetReadOnly(BOOL readOnly) {
-    auto* edit = qobject_cast<QLineEdit*>(widget());
-    if (!edit)
+    if (auto* edit = qobject_cast<QLineEdit*>(widget()))
+        edit->setReadOnly(readOnly != FALSE);
+    else if (auto* lines = qobject_cast<QPlainTextEdit*>(widget()))
+        lines->setReadOnly(readOnly != FALSE);
+    else
         return FALSE;
-    edit->setReadOnly(readOnly != FALSE);
     return TRUE;
 }
 
 BOOL CEdit::IsReadOnly() const {
-    auto* edit = qobject_cast<QLineEdit*>(widget());
-    return edit && edit->isReadOnly();
+    if (auto* edit = qobject_cast<QLineEdit*>(widget()))
+        return edit->isReadOnly();
+    auto* lines = qobject_cast<QPlainTextEdit*>(widget());
+    return lines && lines->isReadOnly();
 }
 
 void CEdit::LimitText(int maxChars) {
@@ -88,10 +90,5 @@ void CEdit::ReplaceSel(const CString& text) {
 }
 
 void CEdit::UserType(const CString& text) {
-    auto* edit = qobject_cast<QLineEdit*>(widget());
-    if (!edit || !edit->isEnabled() || edit->isReadOnly())
-        return;
-    edit->setFocus();
-    edit->selectAll();
-    edit->insert(ToQString(text)); // textEdited: EN_CHANGE
+    TypeIntoEdit(widget(), text);
 }

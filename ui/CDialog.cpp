@@ -8,9 +8,9 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QButtonGroup>
 #include <QComboBox>
 #include <QGuiApplication>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QScreen>
 
@@ -60,6 +60,30 @@ void DDX_Text(CDataExchange* pDX, int id, int& value) {
     DDX_Text(pDX, id, text);
     if (pDX->m_bSaveAndValidate)
         value = WToI(text);
+}
+
+void DDX_Radio(CDataExchange* pDX, int firstId, int& value) {
+    auto* first =
+        qobject_cast<QAbstractButton*>(FindControl(pDX->m_pDlgWnd->GetSafeHwnd(), firstId));
+    if (!first)
+        return;
+    QList<QAbstractButton*> radios{first};
+    if (QButtonGroup* group = first->group())
+        radios = group->buttons();
+    if (pDX->m_bSaveAndValidate) {
+        value = -1;
+        for (qsizetype i = 0; i < radios.size(); ++i) {
+            if (radios[i]->isChecked())
+                value = static_cast<int>(i);
+        }
+        return;
+    }
+    for (qsizetype i = 0; i < radios.size(); ++i) {
+        if (i != value)
+            SetButtonChecked(radios[i], false);
+    }
+    if (value >= 0 && value < radios.size())
+        SetButtonChecked(radios[value], true);
 }
 
 CDialog::CDialog(const CString& templateName, CWnd* parent)
@@ -321,15 +345,9 @@ bool ClickDlgItem(CDialog& dialog, int id) {
 
 bool TypeDlgItem(CDialog& dialog, int id, const CString& text) {
     QWidget* widget = UsableControl(dialog, id);
-    QLineEdit* edit = qobject_cast<QLineEdit*>(widget);
     if (auto* combo = qobject_cast<QComboBox*>(widget))
-        edit = combo->lineEdit();
-    if (!edit || edit->isReadOnly())
-        return false;
-    edit->setFocus();
-    edit->selectAll();
-    edit->insert(ToQString(text)); // emits textEdited, as typing does
-    return true;
+        widget = combo->lineEdit();
+    return TypeIntoEdit(widget, text);
 }
 
 bool SelectDlgItem(CDialog& dialog, int id, int index) {

@@ -29,6 +29,10 @@ void DDX_Control(CDataExchange* pDX, int id, CWnd& control);
 void DDX_Text(CDataExchange* pDX, int id, CString& value);
 // Integers are read as _wtoi reads them and written with "%d".
 void DDX_Text(CDataExchange* pDX, int id, int& value);
+// A radio group to and from the index of its checked radio (-1 for none). firstId is the
+// group's first radio: a group runs from a control with the "group" flag to the next one, and
+// only its radios count. Writing an index no radio has clears them all.
+void DDX_Radio(CDataExchange* pDX, int firstId, int& value);
 
 class CDialog : public CWnd {
 public:

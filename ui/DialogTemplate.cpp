@@ -4,6 +4,7 @@
 #include "ui/QtString.h"
 #include "ui/detail/Widgets.h"
 
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QDir>
 #include <QFile>
@@ -12,6 +13,7 @@
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -332,6 +334,14 @@ QWidget* CreateControl(const ControlTemplate& ctl, const DialogBaseUnits& units,
         if (ctl.HasStyle(L"frame"))
             label->setFrameShape(QFrame::Box);
         widget = label;
+    } else if (ctl.cls == L"edit" && ctl.HasStyle(L"multiline")) {
+        auto* lines = new QPlainTextEdit(text, parent);
+        lines->setReadOnly(ctl.HasStyle(L"readonly"));
+        QObject::connect(lines, &QPlainTextEdit::textChanged, lines, [lines] {
+            if (!InProgramChange(lines))
+                SendCommandToParent(lines, EN_CHANGE);
+        });
+        widget = lines;
     } else if (ctl.cls == L"edit") {
         auto* edit = new QLineEdit(text, parent);
         edit->setReadOnly(ctl.HasStyle(L"readonly"));
@@ -397,8 +407,17 @@ void BuildDialog(const DialogTemplate& tmpl, QWidget* dialog) {
     const DialogBaseUnits units = MeasureBaseUnits(font);
     dialog->setWindowTitle(ToQString(tmpl.caption));
     dialog->setFixedSize(units.ToPixelsX(tmpl.cx), units.ToPixelsY(tmpl.cy));
+    // Radios are exclusive within their group: from a control with the "group" flag to the next.
+    QButtonGroup* radioGroup = nullptr;
     for (const ControlTemplate& ctl : tmpl.controls) {
         QWidget* widget = CreateControl(ctl, units, dialog);
+        if (ctl.HasStyle(L"group"))
+            radioGroup = nullptr;
+        if (ctl.cls == L"radio") {
+            if (!radioGroup)
+                radioGroup = new QButtonGroup(dialog);
+            radioGroup->addButton(static_cast<QAbstractButton*>(widget));
+        }
         // Initial entries go in as the program's AddString would put them.
         if (auto* list = dynamic_cast<KoListBox*>(widget)) {
             for (const CString& item : ctl.items)

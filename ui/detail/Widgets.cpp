@@ -7,6 +7,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QButtonGroup>
 #include <QCloseEvent>
 #include <QCursor>
 #include <QGroupBox>
@@ -15,6 +16,7 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QStyle>
 #include <QStyleOptionFrame>
 #include <QToolTip>
@@ -126,6 +128,9 @@ void SetWidgetText(QWidget* widget, const CString& text) {
         group->setTitle(StripMnemonic(q));
     } else if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
         edit->setText(q);
+    } else if (auto* lines = qobject_cast<QPlainTextEdit*>(widget)) {
+        QString shown = q;
+        lines->setPlainText(shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
     } else if (auto* combo = qobject_cast<QComboBox*>(widget)) {
         if (combo->isEditable())
             combo->setEditText(q);
@@ -147,11 +152,58 @@ CString WidgetText(const QWidget* widget) {
         return FromQString(group->title());
     if (auto* edit = qobject_cast<const QLineEdit*>(widget))
         return FromQString(edit->text());
+    if (auto* lines = qobject_cast<const QPlainTextEdit*>(widget))
+        return FromQString(lines->toPlainText().replace(u'\n', QStringLiteral("\r\n")));
     if (auto* combo = qobject_cast<const QComboBox*>(widget))
         return FromQString(combo->currentText());
     if (auto* plain = qobject_cast<const QLabel*>(widget))
         return FromQString(plain->text());
     return FromQString(widget->windowTitle());
+}
+
+bool TypeIntoEdit(QWidget* widget, const CString& text) {
+    if (!widget || !widget->isEnabled())
+        return false;
+    if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
+        if (edit->isReadOnly())
+            return false;
+        edit->setFocus();
+        edit->selectAll();
+        edit->insert(ToQString(text)); // emits textEdited, as typing does
+        return true;
+    }
+    if (auto* lines = qobject_cast<QPlainTextEdit*>(widget)) {
+        if (lines->isReadOnly())
+            return false;
+        lines->setFocus();
+        lines->selectAll();
+        QString typed = ToQString(text);
+        lines->insertPlainText(typed.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+        return true;
+    }
+    return false;
+}
+
+void SetButtonChecked(QAbstractButton* button, bool checked) {
+    if (!button || button->isChecked() == checked)
+        return;
+    ProgramScope program(button);
+    // Qt keeps one radio of an exclusive group checked; the window system lets a program clear
+    // it, so exclusiveness is lifted for a clearing.
+    QButtonGroup* group = button->group();
+    const bool exclusiveGroup = group && group->exclusive();
+    const bool autoExclusive = button->autoExclusive();
+    if (!checked) {
+        if (exclusiveGroup)
+            group->setExclusive(false);
+        button->setAutoExclusive(false);
+    }
+    button->setChecked(checked);
+    if (!checked) {
+        button->setAutoExclusive(autoExclusive);
+        if (exclusiveGroup)
+            group->setExclusive(true);
+    }
 }
 
 void PushRunningDialog(QWidget* dialog) {

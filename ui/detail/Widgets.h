@@ -5,6 +5,7 @@
 #include "platform/CString.h"
 #include "ui/Win.h"
 
+#include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QDialog>
@@ -37,8 +38,16 @@ bool InProgramChange(const QWidget* widget);
 // Windows' visibility: the widget and its ancestors are not hidden, and the top window is shown
 // (a dialog answered by a modal hook counts as shown).
 bool IsShownAsWindows(const QWidget* widget);
+// A multi-line edit keeps its lines as the window system's does: "\r\n" between them in the
+// text the program sets and reads.
 void SetWidgetText(QWidget* widget, const CString& text);
 CString WidgetText(const QWidget* widget);
+// Replaces the whole text of a single- or multi-line edit as typing does, so that EN_CHANGE
+// follows; false when the widget is no edit or is disabled or read-only.
+bool TypeIntoEdit(QWidget* widget, const CString& text);
+// Checks or clears a check box or radio button. Clearing the checked radio of its group is
+// allowed, as a program may leave a group with none checked.
+void SetButtonChecked(QAbstractButton* button, bool checked);
 // Text with Windows' "&" mnemonics as a label shows it ("&&" is one "&").
 QString StripMnemonic(const QString& text);
 // The focused widget: the application's, else the focus child of the running dialog.
