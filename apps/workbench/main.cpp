@@ -2,14 +2,17 @@
 // configuration workbench. Without a display it renders the workbench offscreen into an image
 // and exits, so that the program can be looked at from a terminal.
 
+#include "dialogs/CDlgAttConfig.h"
 #include "host/HostData.h"
 #include "host/datapack/DataPack.h"
+#include "host/ui/QvPickers/QvPickers.h"
 #include "platform/MessageBox.h"
 #include "presenter/CAutoQdDeConfigFacade.h"
 #include "ui/CDialog.h"
 #include "ui/ModalHook.h"
 #include "ui/QtMessageBox.h"
 #include "ui/QtString.h"
+#include "workbench/CAutoConfigDlg.h"
 
 #include <QApplication>
 #include <QDir>
@@ -18,8 +21,11 @@
 #include <QImage>
 #include <QPainter>
 #include <QPixmap>
+#include <QPushButton>
+#include <QTreeWidget>
 #include <QWidget>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -29,7 +35,10 @@ namespace {
 
 const char* const kHelp =
     "usage: koqdde-workbench [--data DIR] [--project FILE] [--config-dir DIR]\n"
-    "                        [--screenshot FILE]\n"
+    "                        [--cloud-dir DIR] [--screenshot FILE [--picker]]\n"
+    "       koqdde-workbench --wizard FILE [--qd-lib NAME] [--de-lib NAME]\n"
+    "                        [--description TEXT] [--can-go-back] [common options]\n"
+    "       koqdde-workbench --attr-dialog [common options]\n"
     "\n"
     "Opens the auto-apply configuration workbench on a data pack.\n"
     "\n"
@@ -37,14 +46,34 @@ const char* const kHelp =
     "  --project FILE     project file (default: the pack's project)\n"
     "  --config-dir DIR   the application's configuration folder (created and seeded from\n"
     "                     the pack when missing)\n"
-    "  --screenshot FILE  render the workbench into FILE (PNG) instead of running it, and\n"
+    "  --cloud-dir DIR    the cloud disk's template store (default: the pack's cloud/)\n"
+    "  --wizard FILE      open FILE as the cloud-template wizard's page instead, and print\n"
+    "                     how it was left: 1 next, -1 previous, 0 cancel\n"
+    "  --qd-lib NAME, --de-lib NAME, --description TEXT, --can-go-back\n"
+    "                     what the wizard's page shows and allows\n"
+    "  --attr-dialog      open the attribute configuration dialog instead\n"
+    "  --screenshot FILE  render the dialog into FILE (PNG) instead of running it, and\n"
     "                     exit; without a display this is what happens, into\n"
-    "                     build/workbench.png\n";
+    "                     build/workbench.png\n"
+    "  --picker           with --screenshot: open the item picker of the project's mode\n"
+    "                     beside the workbench first, and render both\n"
+    "  --pick-bill FILE   with --screenshot --picker: also pick the picker's first bill and\n"
+    "                     render the bill number dialog into FILE\n";
 
 struct Options {
     DataPackOptions pack;
+    CString cloudDir;
     std::string screenshot;
+    bool picker = false;
+    std::string pickBill;
     bool help = false;
+    bool attrDialog = false;
+    bool wizard = false;
+    CString wizardFile;
+    CString qdLib;
+    CString deLib;
+    CString description;
+    bool canGoBack = false;
 };
 
 bool ParseOptions(int argc, char** argv, Options& options, std::string& error) {
@@ -56,7 +85,9 @@ bool ParseOptions(int argc, char** argv, Options& options, std::string& error) {
             value = arg.substr(eq + 1);
             arg = arg.substr(0, eq);
         } else if (arg == "--data" || arg == "--project" || arg == "--config-dir" ||
-                   arg == "--screenshot") {
+                   arg == "--cloud-dir" || arg == "--screenshot" || arg == "--wizard" ||
+                   arg == "--qd-lib" || arg == "--de-lib" || arg == "--description" ||
+                   arg == "--pick-bill") {
             if (i + 1 >= argc) {
                 error = arg + " needs a value";
                 return false;
@@ -71,8 +102,27 @@ bool ParseOptions(int argc, char** argv, Options& options, std::string& error) {
             options.pack.projectFile = FromUtf8(value);
         else if (arg == "--config-dir")
             options.pack.configDir = FromUtf8(value);
+        else if (arg == "--cloud-dir")
+            options.cloudDir = FromUtf8(value);
         else if (arg == "--screenshot")
             options.screenshot = value;
+        else if (arg == "--picker")
+            options.picker = true;
+        else if (arg == "--pick-bill")
+            options.pickBill = value;
+        else if (arg == "--wizard") {
+            options.wizard = true;
+            options.wizardFile = FromUtf8(value);
+        } else if (arg == "--qd-lib")
+            options.qdLib = FromUtf8(value);
+        else if (arg == "--de-lib")
+            options.deLib = FromUtf8(value);
+        else if (arg == "--description")
+            options.description = FromUtf8(value);
+        else if (arg == "--can-go-back")
+            options.canGoBack = true;
+        else if (arg == "--attr-dialog")
+            options.attrDialog = true;
         else {
             error = "unknown option \"" + arg + "\"";
             return false;
@@ -114,6 +164,61 @@ QImage RenderWindow(QWidget& window) {
     return image;
 }
 
+bool SavePng(const QImage& image, const std::string& file) {
+    const QString name = QString::fromStdString(file);
+    QDir().mkpath(QFileInfo(name).absolutePath());
+    return image.save(name, "PNG");
+}
+
+// Two windows as they stand on a desktop, the second at the first's right edge.
+QImage SideBySide(const QImage& left, const QImage& right) {
+    QImage image(left.width() + right.width(), std::max(left.height(), right.height()),
+                 QImage::Format_RGB32);
+    image.fill(QColor(0x3A, 0x4A, 0x5C));
+    QPainter painter(&image);
+    painter.drawImage(0, 0, left);
+    painter.drawImage(left.width(), 0, right);
+    return image;
+}
+
+// The item picker the pick button showed: a visible tool window of the workbench.
+QWidget* VisiblePicker(QWidget& workbench) {
+    for (QWidget* child : workbench.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        if (child->isWindow() && child->isVisible())
+            return child;
+    return nullptr;
+}
+
+// The user's pick of the first bill the picker lists: the row selected, then "选用". The
+// bill number dialog it opens comes back through the modal hook. False when nothing is listed.
+bool PickFirstBill(QWidget& picker) {
+    auto* items = picker.findChild<QTreeWidget*>(QStringLiteral("pickerItems"));
+    auto* choose = picker.findChild<QPushButton*>(QStringLiteral("pickerChoose"));
+    if (!items || !choose || items->topLevelItemCount() == 0)
+        return false;
+    items->setCurrentItem(items->topLevelItem(0));
+    choose->click();
+    return true;
+}
+
+// Opens the workbench, the wizard's page or the attribute dialog, as the options say.
+void RunChosenDialog(const Options& options, bool printResult) {
+    if (options.attrDialog) {
+        CDlgAttConfig dialog(nullptr);
+        dialog.DoModal();
+        return;
+    }
+    if (options.wizard) {
+        int result = CAutoQdDeConfigFacade::StartOnlineConfig(options.wizardFile, options.qdLib,
+                                                              options.deLib, options.description,
+                                                              options.canGoBack, nullptr);
+        if (printResult)
+            std::printf("%d\n", result);
+        return;
+    }
+    CAutoQdDeConfigFacade::StartQdDeConfig(nullptr, CRect());
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -147,34 +252,56 @@ int main(int argc, char** argv) {
                      ToUtf8(packError).c_str());
         return 2;
     }
+    if (!options.cloudDir.IsEmpty())
+        host.cloudDir = options.cloudDir;
     HostDataScope hostScope(&host);
     koqdde::ui::QtMessageBoxHandler messages;
     MessageBoxHandlerScope messageScope(&messages);
     SetActiveWindowProvider(koqdde::ui::QtActiveWindow);
 
     if (options.screenshot.empty()) {
-        CAutoQdDeConfigFacade::StartQdDeConfig(nullptr, CRect());
+        RunChosenDialog(options, true);
         SetActiveWindowProvider(nullptr);
         return 0;
     }
 
-    // Render instead of running: the workbench is opened as usual, drawn once and left
-    // without its way out, so the files stay as they were.
+    // Render instead of running: the dialog is opened as usual, drawn once and left without
+    // its way out, so the files stay as they were.
     bool saved = false;
+    bool pickedSaved = false;
+    std::string failed = options.screenshot;
     koqdde::ui::ModalHookScope hook([&](CDialog& dialog) {
         QWidget* window = dialog.widget();
-        if (window) {
-            QDir().mkpath(QFileInfo(QString::fromStdString(options.screenshot)).absolutePath());
-            window->show();
+        if (!window)
+            return IDCANCEL;
+        window->show();
+        QApplication::processEvents();
+        if (dialog.GetTemplateId() == CAutoConfigDlg::IDD && options.picker) {
+            // The user's click on the pick button, then the picker beside the workbench.
+            koqdde::ui::ClickDlgItem(dialog, AutoConfigIds::kPick);
             QApplication::processEvents();
-            saved = RenderWindow(*window).save(QString::fromStdString(options.screenshot), "PNG");
+            QWidget* picker = VisiblePicker(*window);
+            QImage image = RenderWindow(*window);
+            if (picker)
+                image = SideBySide(image, RenderWindow(*picker));
+            saved = SavePng(image, options.screenshot);
+            if (saved && !options.pickBill.empty()) {
+                failed = options.pickBill;
+                saved = picker && PickFirstBill(*picker) && pickedSaved;
+            }
+            return IDCANCEL;
         }
+        if (dialog.GetTemplateId() != CAutoConfigDlg::IDD && !options.pickBill.empty()) {
+            pickedSaved = SavePng(RenderWindow(*window), options.pickBill);
+            return IDCANCEL;
+        }
+        saved = SavePng(RenderWindow(*window), options.screenshot);
         return IDCANCEL;
     });
-    CAutoQdDeConfigFacade::StartQdDeConfig(nullptr, CRect());
+    RunChosenDialog(options, false);
     SetActiveWindowProvider(nullptr);
     if (!saved) {
-        std::fprintf(stderr, "koqdde-workbench: cannot write %s\n", options.screenshot.c_str());
+        std::fprintf(stderr, "koqdde-workbench: cannot write %s\n", failed.c_str());
         return 3;
     }
     return 0;

@@ -51,8 +51,13 @@ void BillLibrary::EncodingRule(int& codeLength, int& suffixLength) const {
 }
 
 CString BillLibrary::IndexPath(const CString& treePath) const {
+    // The workbench's tree path ends with its separator ("给排水\管道\给水管\"); the map's
+    // keys don't.
+    CString key = treePath;
+    while (key.GetLength() > 0 && key[key.GetLength() - 1] == L'\\')
+        key = key.Left(key.GetLength() - 1);
     SqliteQuery query(m_db, "SELECT chapter_path FROM index_path WHERE tree_path = ?");
-    query.Bind(1, treePath);
+    query.Bind(1, key);
     return query.Step() ? query.Text(0) : CString();
 }
 

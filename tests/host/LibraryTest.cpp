@@ -82,6 +82,8 @@ TEST(Libraries, BillLibraryAnswersByNumberRuleAndTreePosition) {
     EXPECT_EQ(code, 12);
     EXPECT_EQ(suffix, 3);
     EXPECT_EQ(CSys::GetIndexPath(L"给排水\\管道\\给水管"), L"0310\\031001");
+    EXPECT_EQ(CSys::GetIndexPath(L"给排水\\管道\\给水管\\"), L"0310\\031001")
+        << "as the workbench asks, with the separator at the end";
     EXPECT_EQ(CSys::GetIndexPath(L"给排水\\管道\\排水管"), L"");
 
     // Another project's library code: nothing is known, the rule is -1.

@@ -13,10 +13,12 @@
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QStyle>
 #include <QStyleOptionFrame>
 #include <QToolTip>
@@ -278,6 +280,31 @@ void KoDialog::closeEvent(QCloseEvent* event) {
         return;
     }
     QDialog::closeEvent(event);
+}
+
+// Enter as the dialog manager takes it: the focused push button, else the enabled default
+// button, else the command IDOK, which a dialog without an OK button still receives.
+void KoDialog::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    CWnd* wnd = CWnd::FromHandlePermanent(this);
+    if (!enter || !wnd || (event->modifiers() & ~Qt::KeypadModifier) != 0) {
+        QDialog::keyPressEvent(event);
+        return;
+    }
+    auto usable = [](const QPushButton* button) {
+        return button && button->isEnabled() && button->isVisibleTo(button->window());
+    };
+    if (auto* focused = qobject_cast<QPushButton*>(focusWidget()); usable(focused)) {
+        focused->click();
+        return;
+    }
+    for (QPushButton* button : findChildren<QPushButton*>()) {
+        if (button->isDefault() && usable(button)) {
+            button->click();
+            return;
+        }
+    }
+    wnd->SendMessage(WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
 }
 
 // --- static -------------------------------------------------------------------------------
