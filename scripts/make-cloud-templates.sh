@@ -7,7 +7,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${BUILD:-$root/build}
 out="$root/data/sample/cloud/自动套模板"
-flock /tmp/koqdde-build.lock ninja -C "$build" -j"${JOBS:-2}" koqdde
+ninja -C "$build" -j"${JOBS:-2}" koqdde
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

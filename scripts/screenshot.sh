@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
 # Renders the workbench on a copy of the bundled pack into docs/workbench.png (or the file
-# given as the first argument). Two configurations of 给排水\管道\给水管 are written first
-# through the command-line tool, so that the picture shows conditions and items; nothing is
-# written into the source tree but the picture.
+# given as the first argument), then the workbench with the bill picker beside it into
+# docs/workbench-picker.png and the bill number dialog that a pick opens into
+# docs/bill-number.png (beside the first file). Two configurations of 给排水\管道\给水管 are
+# written first through the command-line tool, so that the pictures show conditions and
+# items; nothing is written into the source tree but the pictures.
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -44,3 +46,7 @@ cli qd add "$pipe" 3 --number 031001006001 --name 塑料管 --unit m --unit-code
 
 QT_QPA_PLATFORM=offscreen "$build/apps/koqdde-workbench" "${opts[@]}" --screenshot "$out"
 echo "wrote $out"
+docs=$(dirname "$out")
+QT_QPA_PLATFORM=offscreen "$build/apps/koqdde-workbench" "${opts[@]}" \
+  --screenshot "$docs/workbench-picker.png" --picker --pick-bill "$docs/bill-number.png"
+echo "wrote $docs/workbench-picker.png and $docs/bill-number.png"

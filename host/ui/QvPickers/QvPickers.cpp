@@ -120,7 +120,7 @@ BOOL CPickerWnd::Create(CWnd* parent) {
     auto* window = new QWidget(m_parent ? m_parent->widget() : nullptr, Qt::Tool);
     window->setWindowTitle(ToQString(m_caption));
     BuildWindow(window);
-    window->resize(520, 600);
+    window->resize(660, 600);
     window->hide();
     Attach(window);
     SetOwnsWidget(true);
@@ -163,7 +163,7 @@ void CPickerWnd::BuildWindow(QWidget* window) {
         boxLayout->addWidget(ui.billQuotas);
         lists->setSizes({360, 180});
     }
-    sides->setSizes({170, 350});
+    sides->setSizes({280, 380});
     layout->addWidget(sides, 1);
 
     auto* row = new QHBoxLayout;
