@@ -267,14 +267,7 @@ int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
         throw UsageError("the project is in quota mode: quotas go to the configuration itself");
     }
     LibraryItem item = FindItem(OpenLibrary(true), args.positional[3], true);
-    SDeInfo pick;
-    pick.nUnitCoef = item.unitCoefficient;
-    pick.nAnnex = item.annex;
-    pick.strDeNum = item.number;
-    pick.strName = item.name;
-    pick.strUnit = item.unit;
-    pick.strFormula = item.formula;
-    DeStruct de = DeFromLibrary(pick, billMode ? att.GetQdDeCode() : att.GetDeCode());
+    DeStruct de = DeFromLibrary(ToQuotaPick(item), billMode ? att.GetQdDeCode() : att.GetDeCode());
     FillDefaultFormula(ctx, path, de.strFormula);
     const bool ok = billMode ? ctx.Presenter().AddDe2QdNode(de, path, configs)
                              : ctx.Presenter().AddDe2ConfigNode(de, path, configs);

@@ -2,6 +2,7 @@
 // One bill or quota library database as the pickers browse it: the chapter tree, the items of
 // a chapter, a search by number or name, the quotas linked to a bill, an item by number.
 
+#include "host/QvBillKit/QvBillKit.h"
 #include "host/sqlite/Sqlite.h"
 #include "platform/CString.h"
 
@@ -80,3 +81,7 @@ private:
     std::vector<LibraryChapter> m_chapters;
     std::map<int, std::size_t> m_chapterIndex; // chapter id -> place in m_chapters
 };
+
+// An item as the pickers hand it over: a bill as the bill kit's record, a quota as a pick.
+SQdInfo ToBillInfo(const LibraryItem& item);
+SDeInfo ToQuotaPick(const LibraryItem& item);

@@ -370,26 +370,11 @@ void CPickerWnd::Pick(QTreeWidget* list, QTreeWidgetItem* row) {
         return;
     // The record lives on this stack for the call only, as the receiver expects.
     if (library.HoldsBills()) {
-        SQdInfo info;
-        info.nId = item.rowId;
-        info.nUnitCoef = item.unitCoefficient;
-        info.nAnnex = item.annex;
-        info.strQdNum = item.number;
-        info.strName = item.name;
-        info.strUnit = item.unit;
-        info.strFormula = item.formula;
-        info.strFeature = item.feature;
-        info.strWork = item.work;
+        SQdInfo info = ToBillInfo(item);
         parent->SendMessage(kPickBillMessage, reinterpret_cast<WPARAM>(&info), 0);
         return;
     }
-    SDeInfo info;
-    info.nUnitCoef = item.unitCoefficient;
-    info.nAnnex = item.annex;
-    info.strDeNum = item.number;
-    info.strName = item.name;
-    info.strUnit = item.unit;
-    info.strFormula = item.formula;
+    SDeInfo info = ToQuotaPick(item);
     parent->SendMessage(kPickQuotaMessage, reinterpret_cast<WPARAM>(&info), 0);
 }
 
