@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 using koqdde::test::DemoDialog;
 using koqdde::test::RunDialog;
 using Log = std::vector<std::string>;
@@ -32,37 +34,40 @@ TEST(UiControls, ButtonsAndEditsNotifyOnlyForUserActions) {
         dlg.readOnly.UserType(L"x");
         EXPECT_TRUE(dlg.log.empty());
         EXPECT_EQ(dlg.readOnly.GetWindowText(), CString(L"只读"));
+
+        // The selection is replaced in place; a limit cuts what is typed, not what is set.
+        dlg.edit.SetWindowText(L"abcdef");
+        dlg.edit.SetSel(1, 3);
+        dlg.edit.ReplaceSel(L"XY");
+        EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"aXYdef"));
+        dlg.edit.LimitText(4);
+        dlg.edit.UserType(L"123456");
+        EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"1234"));
+        EXPECT_EQ(dlg.log, (Log{"C1002:768"}));
+        dlg.edit.SetReadOnly(TRUE);
+        dlg.edit.UserType(L"z");
+        EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"1234"));
     });
 }
 
 TEST(UiControls, ListBoxSelectionByProgramIsSilentByUserNotifies) {
     DemoDialog dlg;
     RunDialog(dlg, [&](CDialog&) {
-        EXPECT_EQ(dlg.list.AddString(L"one"), 0);
-        EXPECT_EQ(dlg.list.AddString(L"two"), 1);
+        dlg.list.AddString(L"one");
+        dlg.list.AddString(L"two");
         EXPECT_EQ(dlg.list.InsertString(0, L"zero"), 0);
-        dlg.list.SetItemData(2, 42);
-        EXPECT_EQ(dlg.list.GetCount(), 3);
         EXPECT_EQ(dlg.list.GetCurSel(), LB_ERR);
-
-        EXPECT_EQ(dlg.list.SetCurSel(1), 1);
+        // SelectString takes a prefix, FindStringExact the whole text, both in any case.
         EXPECT_EQ(dlg.list.SelectString(-1, L"TW"), 2);
+        EXPECT_EQ(dlg.list.FindStringExact(-1, L"ONE"), 1);
+        EXPECT_EQ(dlg.list.FindStringExact(-1, L"on"), LB_ERR);
         EXPECT_TRUE(dlg.log.empty());
-        EXPECT_EQ(dlg.list.GetCurSel(), 2);
-        EXPECT_EQ(dlg.list.GetItemData(2), 42);
 
         dlg.list.UserSelect(0);
         dlg.list.UserDoubleClick(1);
         EXPECT_EQ(dlg.log, (Log{"C1005:1", "C1005:1", "C1005:2"}));
         EXPECT_EQ(dlg.list.GetCurSel(), 1);
-        EXPECT_EQ(dlg.list.GetText(1), CString(L"one"));
-        EXPECT_EQ(dlg.list.GetTextLen(0), 4);
-        EXPECT_EQ(dlg.list.FindStringExact(-1, L"ONE"), 1);
-        EXPECT_EQ(dlg.list.FindStringExact(-1, L"on"), LB_ERR);
-
-        EXPECT_EQ(dlg.list.DeleteString(0), 2);
         dlg.list.ResetContent();
-        EXPECT_EQ(dlg.list.GetCount(), 0);
         EXPECT_EQ(dlg.list.SetCurSel(0), LB_ERR);
     });
 }
@@ -74,8 +79,6 @@ TEST(UiControls, SortedBoxesInsertCaseInsensitively) {
         ASSERT_EQ(dlg.dropList.GetCount(), 3);
         EXPECT_EQ(dlg.dropList.GetLBText(0), CString(L"A"));
         EXPECT_EQ(dlg.dropList.GetLBText(1), CString(L"b"));
-        EXPECT_EQ(dlg.dropList.GetLBText(2), CString(L"c"));
-        EXPECT_EQ(dlg.dropList.GetCurSel(), CB_ERR);
         EXPECT_EQ(dlg.dropList.AddString(L"B2"), 2);
 
         for (const wchar_t* s : {L"delta", L"Alpha", L"charlie", L"Bravo", L"alpha"})
@@ -84,16 +87,13 @@ TEST(UiControls, SortedBoxesInsertCaseInsensitively) {
         for (int i = 0; i < dlg.sortedList.GetCount(); ++i)
             order.push_back(dlg.sortedList.GetText(i).str());
         ASSERT_EQ(order.size(), 5u);
-        EXPECT_EQ(order[2], L"Bravo");
-        EXPECT_EQ(order[3], L"charlie");
-        EXPECT_EQ(order[4], L"delta");
-        EXPECT_EQ(CString(order[0].c_str()).CompareNoCase(L"alpha"), 0);
-        EXPECT_EQ(CString(order[1].c_str()).CompareNoCase(L"alpha"), 0);
+        EXPECT_EQ(std::set<std::wstring>(order.begin(), order.begin() + 2),
+                  (std::set<std::wstring>{L"Alpha", L"alpha"}));
+        EXPECT_EQ(std::vector<std::wstring>(order.begin() + 2, order.end()),
+                  (std::vector<std::wstring>{L"Bravo", L"charlie", L"delta"}));
         // InsertString never sorts.
         EXPECT_EQ(dlg.sortedList.InsertString(0, L"zulu"), 0);
         EXPECT_EQ(dlg.sortedList.GetText(0), CString(L"zulu"));
-        EXPECT_LT(koqdde::ui::CompareItemTexts(L"abc", L"ABD"), 0);
-        EXPECT_EQ(koqdde::ui::CompareItemTexts(L"abc", L"ABC"), 0);
     });
 }
 
@@ -103,11 +103,8 @@ TEST(UiControls, ComboBoxesNotifyUserChoiceTypingAndTheList) {
         dlg.dropList.SetCurSel(1);
         dlg.dropList.SelectString(-1, L"c");
         dlg.dropList.ShowDropDown(TRUE);
-        EXPECT_TRUE(dlg.dropList.GetDroppedState());
         dlg.dropList.ShowDropDown(FALSE);
-        EXPECT_FALSE(dlg.dropList.GetDroppedState());
         EXPECT_TRUE(dlg.log.empty());
-        EXPECT_EQ(dlg.dropList.GetCurSel(), 2);
         EXPECT_EQ(dlg.dropList.GetWindowText(), CString(L"c"));
 
         // A handler of CBN_SELCHANGE already reads the new selection.
@@ -126,40 +123,26 @@ TEST(UiControls, ComboBoxesNotifyUserChoiceTypingAndTheList) {
         dlg.dropDown.AddString(L"20");
         dlg.dropDown.SetWindowText(L"15");
         EXPECT_TRUE(dlg.log.empty());
-        EXPECT_EQ(dlg.dropDown.GetWindowText(), CString(L"15"));
         EXPECT_EQ(dlg.dropDown.GetCurSel(), CB_ERR);
         dlg.dropDown.UserType(L"25");
         EXPECT_EQ(dlg.log, (Log{"C1008:5"}));
-        EXPECT_EQ(dlg.dropDown.GetWindowText(), CString(L"25"));
         dlg.dropDown.SetCurSel(1);
         EXPECT_EQ(dlg.dropDown.GetWindowText(), CString(L"20"));
-        dlg.dropDown.SetItemData(1, 7);
-        EXPECT_EQ(dlg.dropDown.GetItemData(1), 7);
-        EXPECT_EQ(dlg.dropDown.FindStringExact(-1, L"10"), 0);
-        EXPECT_EQ(dlg.dropDown.DeleteString(1), 1);
+        dlg.dropDown.DeleteString(1);
         EXPECT_EQ(dlg.dropDown.GetCurSel(), CB_ERR);
         dlg.dropDown.ResetContent();
-        EXPECT_EQ(dlg.dropDown.GetCount(), 0);
         EXPECT_EQ(dlg.dropDown.GetWindowText(), CString());
     });
 }
 
 namespace {
-// A combo box with entries that can't be chosen and a record of the list hooks.
+// A combo box with entries that can't be chosen.
 class GuardedCombo : public CComboBox {
 public:
-    std::vector<int> hovered;
-    int leaves = 0;
-    int shown = 0;
-    std::vector<int> blocked;
+    int blocked = -1;
 
 protected:
-    void OnListMouseMove(int index, CPoint) override { hovered.push_back(index); }
-    void OnListMouseLeave() override { ++leaves; }
-    void OnListShown() override { ++shown; }
-    BOOL OnListItemClick(int index) override {
-        return std::find(blocked.begin(), blocked.end(), index) == blocked.end();
-    }
+    BOOL OnListItemClick(int index) override { return index != blocked; }
 };
 
 class GuardedDialog : public DemoDialog {
@@ -174,37 +157,28 @@ protected:
 };
 } // namespace
 
-TEST(UiControls, ComboHooksSeeTheOpenListAndCanRefuseAClick) {
+TEST(UiControls, ComboHookCanRefuseAClickWithoutANotice) {
     GuardedDialog dlg;
     RunDialog(dlg, [&](CDialog&) {
-        dlg.guarded.blocked = {1};
-        dlg.guarded.UserHoverListItem(2);
-        EXPECT_EQ(dlg.guarded.shown, 1);
-        ASSERT_FALSE(dlg.guarded.hovered.empty());
-        EXPECT_EQ(dlg.guarded.hovered.back(), 2);
-        dlg.guarded.UserLeaveList();
-        EXPECT_EQ(dlg.guarded.leaves, 1);
-
+        dlg.guarded.blocked = 1;
         dlg.guarded.SetCurSel(0);
-        dlg.log.clear();
         dlg.guarded.UserClickListItem(1); // refused: the list stays open, nothing chosen
         EXPECT_EQ(dlg.guarded.GetCurSel(), 0);
         EXPECT_TRUE(dlg.guarded.GetDroppedState());
-        EXPECT_TRUE(dlg.log.empty());
+        EXPECT_EQ(dlg.log, (Log{"C1007:7"}));
         dlg.guarded.UserClickListItem(2);
         EXPECT_EQ(dlg.guarded.GetCurSel(), 2);
         EXPECT_FALSE(dlg.guarded.GetDroppedState());
-        EXPECT_EQ(dlg.log, (Log{"C1007:8", "C1007:1"}));
+        EXPECT_EQ(dlg.log, (Log{"C1007:7", "C1007:8", "C1007:1"}));
     });
 }
 
 TEST(UiControls, TabSelectionByProgramIsSilentByUserAsksThenChanges) {
     DemoDialog dlg;
     RunDialog(dlg, [&](CDialog&) {
-        EXPECT_EQ(dlg.tab.InsertItem(0, L"等于"), 0);
-        EXPECT_EQ(dlg.tab.InsertItem(1, L"范围"), 1);
-        EXPECT_EQ(dlg.tab.GetItemCount(), 2);
-        EXPECT_EQ(dlg.tab.SetCurSel(1), 0);
+        dlg.tab.InsertItem(0, L"等于");
+        dlg.tab.InsertItem(1, L"范围");
+        EXPECT_EQ(dlg.tab.SetCurSel(1), 0); // the previous tab
         EXPECT_EQ(dlg.tab.SetCurSel(0), 1);
         EXPECT_TRUE(dlg.log.empty());
 
@@ -220,9 +194,7 @@ TEST(UiControls, TabSelectionByProgramIsSilentByUserAsksThenChanges) {
         dlg.tab.UserSelect(0);
         EXPECT_EQ(dlg.log, (Log{"N1009:-552 cur=1"}));
         EXPECT_EQ(dlg.tab.GetCurSel(), 1);
-        EXPECT_EQ(dlg.tab.GetItemText(0), CString(L"等于"));
-        EXPECT_TRUE(dlg.tab.DeleteAllItems());
-        EXPECT_EQ(dlg.tab.GetItemCount(), 0);
+        dlg.tab.DeleteAllItems();
         EXPECT_EQ(dlg.tab.GetCurSel(), -1);
     });
 }
@@ -235,11 +207,6 @@ TEST(UiControls, TreeSelectionSendsChangingThenChangedForProgramAndUser) {
         HTREEITEM valves = dlg.tree.InsertItem(L"阀门", root);
         HTREEITEM steel = dlg.tree.InsertItem(L"钢管", pipes);
         HTREEITEM first = dlg.tree.InsertItem(L"塑料管", pipes, TVI_FIRST);
-        dlg.tree.SetItemData(steel, 17);
-        dlg.tree.Expand(root, TVE_EXPAND);
-        EXPECT_TRUE(dlg.tree.IsExpanded(root));
-        EXPECT_EQ(dlg.tree.GetCount(), 5u);
-        EXPECT_EQ(dlg.tree.GetRootItem(), root);
         EXPECT_EQ(dlg.tree.GetChildItem(pipes), first);
         EXPECT_EQ(dlg.tree.GetNextSiblingItem(first), steel);
         EXPECT_EQ(dlg.tree.GetNextSiblingItem(pipes), valves);
@@ -248,7 +215,6 @@ TEST(UiControls, TreeSelectionSendsChangingThenChangedForProgramAndUser) {
         EXPECT_EQ(dlg.tree.GetParentItem(root), nullptr);
         EXPECT_TRUE(dlg.tree.ItemHasChildren(pipes));
         EXPECT_FALSE(dlg.tree.ItemHasChildren(steel));
-        EXPECT_EQ(dlg.tree.GetItemData(steel), 17);
         EXPECT_TRUE(dlg.log.empty()); // inserting selects nothing
 
         // The first notice runs while the old item is still selected.
@@ -290,7 +256,6 @@ TEST(UiControls, TreeSelectionSendsChangingThenChangedForProgramAndUser) {
 
         dlg.log.clear();
         dlg.tree.DeleteAllItems();
-        EXPECT_EQ(dlg.tree.GetCount(), 0u);
         EXPECT_EQ(dlg.tree.GetSelectedItem(), nullptr);
         EXPECT_TRUE(dlg.log.empty());
     });
@@ -299,18 +264,13 @@ TEST(UiControls, TreeSelectionSendsChangingThenChangedForProgramAndUser) {
 TEST(UiControls, ListViewTellsTheClearedRowBeforeTheSelectedOne) {
     DemoDialog dlg;
     RunDialog(dlg, [&](CDialog&) {
-        EXPECT_EQ(dlg.view.InsertColumn(0, L"序号", LVCFMT_LEFT, 40), 0);
-        EXPECT_EQ(dlg.view.InsertColumn(1, L"范围", LVCFMT_LEFT, 450), 1);
-        EXPECT_EQ(dlg.view.SetExtendedStyle(LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT), 0u);
-        EXPECT_EQ(dlg.view.GetExtendedStyle(), 33u);
-        for (int i = 0; i < 3; ++i) {
-            const int row = dlg.view.InsertItem(i, L"x");
-            EXPECT_EQ(row, i);
-            dlg.view.SetItemText(row, 1, i == 2 ? L"其它" : L"条件");
-            dlg.view.SetItemData(row, 100 + i);
-        }
-        EXPECT_EQ(dlg.view.GetItemCount(), 3);
-        EXPECT_EQ(dlg.view.GetItemText(2, 1), CString(L"其它"));
+        dlg.view.InsertColumn(0, L"序号", LVCFMT_LEFT, 40);
+        auto fill = [&] {
+            dlg.view.DeleteAllItems();
+            for (int i = 0; i < 3; ++i)
+                dlg.view.SetItemData(dlg.view.InsertItem(i, L"x"), 100 + i);
+        };
+        fill();
         EXPECT_EQ(dlg.view.GetNextItem(-1, LVNI_SELECTED), -1);
         EXPECT_TRUE(dlg.log.empty());
 
@@ -325,38 +285,26 @@ TEST(UiControls, ListViewTellsTheClearedRowBeforeTheSelectedOne) {
         dlg.log.clear();
         dlg.view.UserClickItem(1);
         EXPECT_EQ(dlg.log, (Log{"N1011:-101 item=2 sel=-1 -S", "N1011:-101 item=1 sel=1 +S"}));
-
         dlg.log.clear();
         dlg.view.UserClickEmpty();
         EXPECT_EQ(dlg.log, (Log{"N1011:-101 item=1 sel=-1 -S"}));
         EXPECT_EQ(dlg.view.GetSelectedCount(), 0);
 
-        // Rebuilding inside a notice (as a refresh does) sends nothing of its own.
+        // Emptying the list tells nothing; a refresh inside a notice (rebuilding and selecting
+        // row 0) ends the outer change, whose row is gone.
         dlg.view.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
         dlg.log.clear();
         dlg.view.DeleteAllItems();
-        EXPECT_EQ(dlg.view.GetItemCount(), 0);
         EXPECT_TRUE(dlg.log.empty());
-    });
-}
-
-TEST(UiControls, ListViewRefreshInsideItsOwnNoticeEndsTheOuterChange) {
-    DemoDialog dlg;
-    RunDialog(dlg, [&](CDialog&) {
-        dlg.view.InsertColumn(0, L"序号");
-        auto fill = [&] {
-            dlg.view.DeleteAllItems();
-            for (int i = 0; i < 3; ++i)
-                dlg.view.InsertItem(i, L"r");
-            dlg.view.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
-        };
         fill();
+        dlg.view.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
         bool refreshed = false;
         dlg.onNotify = [&](UINT, NMHDR* h) {
             auto* nm = reinterpret_cast<NMLISTVIEW*>(h);
             if (h->code == static_cast<UINT>(LVN_ITEMCHANGED) && nm->iItem == 2 && !refreshed) {
                 refreshed = true;
-                fill(); // lands on row 0 again, with its own notice
+                fill();
+                dlg.view.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
             }
         };
         dlg.log.clear();
@@ -402,7 +350,6 @@ protected:
 TEST(UiControls, ListBoxGeometryAndTipHooks) {
     TipDialog dlg;
     RunDialog(dlg, [&](CDialog&) {
-        EXPECT_EQ(dlg.tips.UserHoverTip(CPoint(5, 5)), CString()); // no entries, no tip
         dlg.tips.AddString(L"管道安装 DN15 镀锌钢管 螺纹连接 含管件");
         dlg.tips.AddString(L"阀门");
         CRect first, second;
@@ -410,7 +357,6 @@ TEST(UiControls, ListBoxGeometryAndTipHooks) {
         ASSERT_EQ(dlg.tips.GetItemRect(1, &second), 0);
         EXPECT_EQ(second.top, first.bottom);
         EXPECT_EQ(dlg.tips.GetItemRect(2, &second), LB_ERR);
-        EXPECT_EQ(dlg.tips.GetTopIndex(), 0);
 
         BOOL outside = TRUE;
         EXPECT_EQ(dlg.tips.ItemFromPoint(CPoint(3, first.top + 1), outside), 0);
@@ -425,28 +371,5 @@ TEST(UiControls, ListBoxGeometryAndTipHooks) {
         EXPECT_EQ(dlg.tips.UserHoverTip(CPoint(3, first.top + 1)),
                   CString(L"管道安装 DN15 镀锌钢管 螺纹连接 含管件"));
         EXPECT_EQ(dlg.tips.UserHoverTip(CPoint(3, second.bottom + 20)), CString(L"阀门"));
-        // The base class has no tips.
-        EXPECT_EQ(dlg.sortedList.UserHoverTip(CPoint(3, 3)), CString());
-    });
-}
-
-TEST(UiControls, EditSelectionAndLimits) {
-    DemoDialog dlg;
-    RunDialog(dlg, [&](CDialog&) {
-        dlg.edit.SetWindowText(L"abcdef");
-        dlg.edit.SetSel(1, 3);
-        int start = -1, end = -1;
-        dlg.edit.GetSel(start, end);
-        EXPECT_EQ(start, 1);
-        EXPECT_EQ(end, 3);
-        dlg.edit.ReplaceSel(L"XY");
-        EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"aXYdef"));
-        dlg.edit.LimitText(4);
-        dlg.edit.UserType(L"123456");
-        EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"1234"));
-        EXPECT_EQ(dlg.log, (std::vector<std::string>{"C1002:768"})); // only the typing
-        dlg.edit.SetReadOnly(TRUE);
-        dlg.edit.UserType(L"z");
-        EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"1234"));
     });
 }
