@@ -10,14 +10,17 @@
 #include <QDialog>
 #include <QFontDatabase>
 #include <QFontInfo>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QRawFont>
+#include <QScreen>
 #include <QWidget>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 
 using koqdde::test::DemoDialog;
 using koqdde::test::RunDialog;
@@ -94,17 +97,14 @@ TEST(UiTemplate, DialogUnitsBecomePixelsByTheFontsAverageCharacter) {
     DemoDialog dlg;
     RunDialog(dlg, [&](CDialog& d) {
         EXPECT_EQ(d.GetBaseUnits().baseX, units.baseX);
-        const CRect client = d.GetClientRect();
-        EXPECT_EQ(client.Width(), static_cast<int>(std::lround(300.0 * units.baseX / 4)));
-        EXPECT_EQ(client.Height(), static_cast<int>(std::lround(200.0 * units.baseY / 8)));
+        auto x = [&](double du) { return static_cast<int>(std::lround(du * units.baseX / 4)); };
+        auto y = [&](double du) { return static_cast<int>(std::lround(du * units.baseY / 8)); };
+        EXPECT_EQ(d.GetClientRect(), CRect(0, 0, x(300), y(200)));
         // The list box at 10, 46, 80 x 60 dialog units.
         CRect rc;
         d.GetDlgItem(1005)->GetWindowRect(&rc);
         d.ScreenToClient(&rc);
-        EXPECT_EQ(rc.left, static_cast<int>(std::lround(10.0 * units.baseX / 4)));
-        EXPECT_EQ(rc.top, static_cast<int>(std::lround(46.0 * units.baseY / 8)));
-        EXPECT_EQ(rc.Width(), static_cast<int>(std::lround(80.0 * units.baseX / 4)));
-        EXPECT_EQ(rc.Height(), static_cast<int>(std::lround(60.0 * units.baseY / 8)));
+        EXPECT_EQ(rc, CRect(x(10), y(46), x(10) + x(80), y(46) + y(60)));
         CRect mapped(10, 46, 90, 106);
         d.MapDialogRect(&mapped);
         EXPECT_EQ(mapped, rc);
@@ -181,39 +181,33 @@ TEST(UiDialog, InitBindsControlsAndOkSavesTheData) {
 }
 
 TEST(UiDialog, EscapeCancelAndTheCloseBoxReachOnCancel) {
-    {
-        DemoDialog dlg;
-        dlg.name = L"kept";
-        const int result = RunDialog(dlg, [&](CDialog& d) {
-            dlg.edit.UserType(L"dropped");
+    const std::function<void(CDialog&)> ways[] = {
+        [](CDialog& d) {
             QKeyEvent esc(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
             QApplication::sendEvent(d.GetSafeHwnd(), &esc);
-        });
-        EXPECT_EQ(result, IDCANCEL);
+        },
+        [](CDialog& d) { d.GetSafeHwnd()->close(); },
+        [](CDialog& d) { ClickDlgItem(d, IDCANCEL); },
+    };
+    for (const auto& way : ways) {
+        DemoDialog dlg;
+        dlg.name = L"kept";
+        EXPECT_EQ(RunDialog(dlg,
+                            [&](CDialog& d) {
+                                dlg.edit.UserType(L"dropped");
+                                way(d);
+                            }),
+                  IDCANCEL);
         EXPECT_TRUE(dlg.cancelled);
         EXPECT_EQ(dlg.name, CString(L"kept"));
         EXPECT_EQ(dlg.log.back(), "C2:0");
     }
-    {
-        DemoDialog dlg;
-        const int result = RunDialog(dlg, [&](CDialog& d) { d.GetSafeHwnd()->close(); });
-        EXPECT_EQ(result, IDCANCEL);
-        EXPECT_TRUE(dlg.cancelled);
-    }
-    {
-        DemoDialog dlg;
-        EXPECT_EQ(RunDialog(dlg, [&](CDialog& d) { ClickDlgItem(d, IDCANCEL); }), IDCANCEL);
-    }
-    {
-        // Nothing ends it: the hook's answer is the result.
-        DemoDialog dlg;
-        EXPECT_EQ(RunDialog(dlg, [](CDialog&) {}), -1);
-        EXPECT_FALSE(dlg.cancelled);
-    }
-    {
-        CDialog missing(CString(L"IDD_NOT_THERE"));
-        EXPECT_EQ(missing.DoModal(), -1);
-    }
+    // Nothing ends it: the hook's answer is the result.
+    DemoDialog open;
+    EXPECT_EQ(RunDialog(open, [](CDialog&) {}), -1);
+    EXPECT_FALSE(open.cancelled);
+    CDialog missing(CString(L"IDD_NOT_THERE"));
+    EXPECT_EQ(missing.DoModal(), -1);
 }
 
 namespace {
@@ -294,13 +288,12 @@ TEST(UiDialog, PrivateMessagesAndCenteringGoThroughTheWindow) {
         d.SendMessage(WM_CLOSE);
         EXPECT_TRUE(dlg.cancelled);
 
+        // Without a parent, centred on the screen's free area.
         d.MoveWindow(CRect(10, 20, 10 + 300, 20 + 200));
         d.CenterWindow();
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
         const CRect placed = d.GetWindowRect();
-        d.MoveWindow(placed.left + 5, placed.top + 6, placed.Width(), placed.Height());
-        const CRect moved = d.GetWindowRect();
-        EXPECT_EQ(moved.left, placed.left + 5);
-        EXPECT_EQ(moved.top, placed.top + 6);
-        EXPECT_EQ(moved.Width(), placed.Width());
+        EXPECT_LE(std::abs(placed.left + placed.right - screen.left() * 2 - screen.width()), 1);
+        EXPECT_LE(std::abs(placed.top + placed.bottom - screen.top() * 2 - screen.height()), 1);
     });
 }
