@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <tuple>
 
 using koqdde::ui::ClickDlgItem;
 using koqdde::ui::ModalHookScope;
@@ -70,6 +71,7 @@ std::vector<std::string> FolderContents(const CString& folder) {
 }
 
 const CString kOverwriteQuestion = L"是否覆盖已有配置文件?";
+using Texts = std::vector<CString>;
 
 } // namespace
 
@@ -91,9 +93,6 @@ TEST(DlgSaveAs, ListsTheFolderSortedWithoutExtensionsAndOpenPicksOnlyFromTheList
         for (int i = 0; i < expected.GetSize(); ++i)
             EXPECT_EQ(Rows(d)[i], expected[i]) << i;
 
-        EXPECT_EQ(d.GetWindowText(), L"调用");
-        EXPECT_EQ(d.GetDlgItem(IDOK)->GetWindowText(), L"调用");
-        EXPECT_FALSE(d.GetDlgItem(kName)->IsWindowEnabled());
         EXPECT_FALSE(TypeDlgItem(d, kName, L"typed")) << "only the list can choose";
         auto* type = dynamic_cast<CComboBox*>(d.GetDlgItem(kType));
         ASSERT_NE(type, nullptr);
@@ -120,27 +119,26 @@ TEST(DlgSaveAs, ListsTheFolderSortedWithoutExtensionsAndOpenPicksOnlyFromTheList
 
 TEST(DlgSaveAs, CaptionsAndTheNameFieldFollowTheCommand) {
     TestHost host;
-    DlgSaveAs create(DlgSaveAs::kNew, nullptr, L"");
-    RunDialog(create, [](CDialog& d) {
-        EXPECT_EQ(d.GetWindowText(), L"新建");
-        EXPECT_EQ(d.GetDlgItem(IDOK)->GetWindowText(), L"新建");
-        EXPECT_TRUE(d.GetDlgItem(kName)->IsWindowEnabled());
-    });
-    DlgSaveAs saveAs(DlgSaveAs::kSaveAs, nullptr, L"");
-    RunDialog(saveAs, [](CDialog& d) {
-        EXPECT_EQ(d.GetWindowText(), L"另存");
-        EXPECT_EQ(d.GetDlgItem(IDOK)->GetWindowText(), L"保存(&S)");
-        EXPECT_TRUE(d.GetDlgItem(kName)->IsWindowEnabled());
-    });
+    const std::tuple<int, const wchar_t*, const wchar_t*, bool> modes[] = {
+        {DlgSaveAs::kOpen, L"调用", L"调用", false},
+        {DlgSaveAs::kNew, L"新建", L"新建", true},
+        {DlgSaveAs::kSaveAs, L"另存", L"保存(&S)", true}};
+    for (const auto& [mode, caption, ok, nameEnabled] : modes) {
+        DlgSaveAs dlg(mode, nullptr, L"");
+        RunDialog(dlg, [&](CDialog& d) {
+            EXPECT_EQ(d.GetWindowText(), caption);
+            EXPECT_EQ(d.GetDlgItem(IDOK)->GetWindowText(), ok);
+            EXPECT_EQ(d.GetDlgItem(kName)->IsWindowEnabled(), nameEnabled);
+        });
+    }
 }
 
-TEST(DlgSaveAs, MissingFolderGivesAnEmptyListAndIsNotMade) {
+TEST(DlgSaveAs, MissingFolderGivesAnEmptyListAndIsNotMadeAndCancelChecksNothing) {
     TestHost host;
-    DlgSaveAs dlg(DlgSaveAs::kOpen, nullptr, L"");
+    DlgSaveAs dlg(DlgSaveAs::kNew, nullptr, L"");
     int result = RunDialog(dlg, [](CDialog& d) {
         EXPECT_EQ(Rows(d).GetSize(), 0);
-        ClickDlgItem(d, IDOK);
-        EXPECT_FALSE(d.IsEnded());
+        ASSERT_TRUE(TypeDlgItem(d, kName, L"a|b"));
         ClickDlgItem(d, IDCANCEL);
     });
     EXPECT_EQ(result, IDCANCEL);
@@ -157,18 +155,15 @@ TEST(DlgSaveAs, RefusesEmptyNamesAndForbiddenCharacters) {
         EXPECT_FALSE(d.IsEnded());
         EXPECT_TRUE(host.messages.Messages().empty()) << "an empty name is refused silently";
 
-        const CString forbidden = L"\\/:*?<>\"|";
-        for (int i = 0; i < forbidden.GetLength(); ++i) {
+        for (wchar_t c : std::wstring(L"\\/:*?<>\"|")) {
             host.messages.Clear();
-            ASSERT_TRUE(TypeDlgItem(d, kName, CString(L"ab") + forbidden[i] + L"c"));
+            ASSERT_TRUE(TypeDlgItem(d, kName, CString(L"ab") + c + L"c"));
             ClickDlgItem(d, IDOK);
-            EXPECT_FALSE(d.IsEnded()) << i;
-            ASSERT_EQ(host.messages.Messages().size(), 1u) << i;
-            const RecordedMessage& box = host.messages.Messages()[0];
-            EXPECT_EQ(box.text, expectedText);
-            EXPECT_EQ(box.caption, L"Quorvel");
-            EXPECT_EQ(box.flags, kWarningFlags);
+            EXPECT_FALSE(d.IsEnded()) << int(c);
+            EXPECT_EQ(host.messages.Texts(), Texts{expectedText}) << int(c);
         }
+        EXPECT_EQ(host.messages.Messages()[0].caption, L"Quorvel");
+        EXPECT_EQ(host.messages.Messages()[0].flags, kWarningFlags);
         // A name made of allowed characters (other punctuation included) goes through.
         host.messages.Clear();
         ASSERT_TRUE(TypeDlgItem(d, kName, L"给水 (v2)-新#1"));
@@ -192,17 +187,14 @@ TEST(DlgSaveAs, NewFileCannotTakeTheOpenFilesName) {
         ASSERT_TRUE(TypeDlgItem(d, kName, L"CUR"));
         ClickDlgItem(d, IDOK);
         EXPECT_FALSE(d.IsEnded());
-        ASSERT_EQ(host.messages.Texts().size(), 1u);
-        EXPECT_EQ(host.messages.Texts()[0], L"当前配置文件不能覆盖!");
+        EXPECT_EQ(host.messages.Texts(), Texts{L"当前配置文件不能覆盖!"});
         EXPECT_EQ(host.messages.Messages()[0].flags, kWarningFlags);
-        EXPECT_EQ(host.messages.Messages()[0].caption, L"Quorvel");
 
         host.messages.Clear();
         ASSERT_TRUE(TypeDlgItem(d, kName, L"cur.xml"));
         ClickDlgItem(d, IDOK);
         EXPECT_FALSE(d.IsEnded());
-        ASSERT_EQ(host.messages.Texts().size(), 1u);
-        EXPECT_EQ(host.messages.Texts()[0], L"当前配置文件不能覆盖!");
+        EXPECT_EQ(host.messages.Texts(), Texts{L"当前配置文件不能覆盖!"});
 
         // Another existing file is only a question.
         host.messages.Clear();
@@ -211,8 +203,7 @@ TEST(DlgSaveAs, NewFileCannotTakeTheOpenFilesName) {
         ClickDlgItem(d, IDOK);
     });
     EXPECT_EQ(result, IDOK);
-    ASSERT_EQ(host.messages.Texts().size(), 1u);
-    EXPECT_EQ(host.messages.Texts()[0], kOverwriteQuestion);
+    EXPECT_EQ(host.messages.Texts(), Texts{kOverwriteQuestion});
     EXPECT_EQ(create.GetFullFileName(), Folder(host) + L"/other.xml");
 
     // Saving a copy is given no open file: the open file's name is just another existing name.
@@ -224,8 +215,7 @@ TEST(DlgSaveAs, NewFileCannotTakeTheOpenFilesName) {
         ClickDlgItem(d, IDOK);
     });
     EXPECT_EQ(result, IDOK);
-    ASSERT_EQ(host.messages.Texts().size(), 1u);
-    EXPECT_EQ(host.messages.Texts()[0], kOverwriteQuestion);
+    EXPECT_EQ(host.messages.Texts(), Texts{kOverwriteQuestion});
 
     // Opening may pick the open file, without any message.
     host.messages.Clear();
@@ -297,15 +287,4 @@ TEST(DlgSaveAs, ExistingNameIsFoundOnlyByExactCaseAndUpperCaseExtension) {
         EXPECT_EQ(host.messages.Messages().size(), c.asks ? 1u : 0u) << ToUtf8(CString(c.typed));
         EXPECT_EQ(dlg.GetFullFileName(), Folder(host) + L"/" + c.file) << ToUtf8(CString(c.typed));
     }
-}
-
-TEST(DlgSaveAs, CancelEndsWithoutChecks) {
-    TestHost host;
-    DlgSaveAs dlg(DlgSaveAs::kNew, nullptr, L"");
-    int result = RunDialog(dlg, [](CDialog& d) {
-        ASSERT_TRUE(TypeDlgItem(d, kName, L"a|b"));
-        ClickDlgItem(d, IDCANCEL);
-    });
-    EXPECT_EQ(result, IDCANCEL);
-    EXPECT_TRUE(host.messages.Messages().empty());
 }
