@@ -210,17 +210,14 @@ TEST(CTTComboBox, DisabledEntriesCantBeClicked) {
         box.AddString(text);
     box.SetCurSel(0);
 
-    EXPECT_EQ(box.SetItemDisabled(-1, 1), 0);
-    EXPECT_EQ(box.SetItemDisabled(3, 1), 0);
-    EXPECT_FALSE(box.IsItemDisabled(3));
-    EXPECT_EQ(box.SetItemDisabled(1, 1), 1);
-    EXPECT_EQ(box.SetItemDisabled(1, 1), 1);
-    EXPECT_TRUE(box.IsItemDisabled(1));
-    EXPECT_EQ(box.SetItemDisabled(1, 0), 1);
-    EXPECT_FALSE(box.IsItemDisabled(1));
-    // An entry not on the list is put on it even with a flag of 0.
-    EXPECT_EQ(box.SetItemDisabled(1, 0), 1);
-    EXPECT_TRUE(box.IsItemDisabled(1));
+    // Index, flag, then the answer and whether the entry is disabled after. A flag of 0 takes
+    // an entry off the list, or puts it on when it isn't there.
+    const int steps[][4] = {{-1, 1, 0, 0}, {3, 1, 0, 0}, {1, 1, 1, 1},
+                            {1, 1, 1, 1},  {1, 0, 1, 0}, {1, 0, 1, 1}};
+    for (const auto& [index, flag, answer, disabled] : steps) {
+        EXPECT_EQ(box.SetItemDisabled(index, flag), answer) << index << " " << flag;
+        EXPECT_EQ(box.IsItemDisabled(index), disabled != 0) << index << " " << flag;
+    }
 
     // A click on the disabled line leaves the list open and the selection as it was.
     box.UserClickListItem(1);
@@ -271,42 +268,35 @@ TEST(CTTComboBox, WheelStepsOverDisabledEntriesInTheArraysOrder) {
     EXPECT_EQ(box.GetCurSel(), 1);
 }
 
-TEST(CTTComboBox, BoxesShareOneTipThatGoesWithTheLastOfThem) {
-    Host host;
-    auto first = std::make_unique<CTTComboBox>();
-    first->Attach(MakeCombo(&host.window, 10, 30, false));
-    CTTComboBox second;
-    second.Attach(MakeCombo(&host.window, 60, 30, false));
-    first->AddString(kLong);
-    second.AddString(kLong + L"乙");
-
-    first->UserHoverListItem(0);
-    QWidget* tip = CTTComboBox::GetTipWnd();
-    ASSERT_TRUE(CTTComboBox::IsTipVisible());
-    first->UserLeaveList();
-    first->UserCloseUp();
-    // The other box reuses the same window: the first box's tip moves over.
-    second.UserHoverListItem(0);
-    EXPECT_EQ(CTTComboBox::GetTipWnd(), tip);
-    EXPECT_EQ(CTTComboBox::GetTipText(), kLong + L"乙");
-    second.UserCloseUp();
-
-    first.reset();
-    ASSERT_EQ(CTTComboBox::GetTipWnd(), tip) << "kept for the box still there";
-    second.UserLeaveList();
-    second.UserHoverListItem(0);
-    EXPECT_TRUE(CTTComboBox::IsTipVisible());
-    second.UserCloseUp();
-}
-
-TEST(CTTComboBox, LastBoxTakesTheTipAndABoxBoundWithoutTipsStaysWithout) {
+TEST(CTTComboBox, BoxesShareOneTipThatGoesWithTheLastOfThemAndBoxesWithoutTipsHaveNone) {
     Host host;
     {
-        CTTComboBox box;
-        box.Attach(MakeCombo(&host.window, 10, 30, false));
-        EXPECT_NE(CTTComboBox::GetTipWnd(), nullptr);
+        auto first = std::make_unique<CTTComboBox>();
+        first->Attach(MakeCombo(&host.window, 10, 30, false));
+        CTTComboBox second;
+        second.Attach(MakeCombo(&host.window, 60, 30, false));
+        first->AddString(kLong);
+        second.AddString(kLong + L"乙");
+
+        first->UserHoverListItem(0);
+        QWidget* tip = CTTComboBox::GetTipWnd();
+        ASSERT_TRUE(CTTComboBox::IsTipVisible());
+        first->UserLeaveList();
+        first->UserCloseUp();
+        // The other box reuses the same window: the first box's tip moves over.
+        second.UserHoverListItem(0);
+        EXPECT_EQ(CTTComboBox::GetTipWnd(), tip);
+        EXPECT_EQ(CTTComboBox::GetTipText(), kLong + L"乙");
+        second.UserCloseUp();
+
+        first.reset();
+        ASSERT_EQ(CTTComboBox::GetTipWnd(), tip) << "kept for the box still there";
+        second.UserLeaveList();
+        second.UserHoverListItem(0);
+        EXPECT_TRUE(CTTComboBox::IsTipVisible());
+        second.UserCloseUp();
     }
-    EXPECT_EQ(CTTComboBox::GetTipWnd(), nullptr);
+    EXPECT_EQ(CTTComboBox::GetTipWnd(), nullptr) << "the last box takes the tip with it";
 
     CTTComboBox plain;
     plain.SetTipEnabled(0);
