@@ -36,23 +36,22 @@ TEST(SMemberRead, MissingOrEmptyListGivesOneDefaultConfiguration) {
     }
 }
 
-TEST(SMemberRead, LostDefaultIsAddedWithIdOneAndCounterRaised) {
-    XmlSnippet xml("<SMember name='a' LastConfigId='50'><Config>"
-                   "<Config id='1' bDefault='0'/><Config id='2' bDefault='0'/></Config></SMember>");
-    SMember small;
-    small.ReadData(xml.Root());
-    EXPECT_EQ(Ids(small), (std::vector<int>{1, 2, 1}));
-    EXPECT_EQ(small.GetLastConfigId(), 3);
-    EXPECT_FALSE(small.GetConfig(1)->IfDefault()) << "lookups reach the first of the clash";
-    EXPECT_TRUE(small.GetAllConfig().back()->IfDefault());
-}
+TEST(SMemberRead, CounterComesFromTheIdsReadAndALostDefaultIsAddedWithIdOne) {
+    XmlSnippet xml("<list><SMember name='a' LastConfigId='50'><Config>"
+                   "<Config id='1' bDefault='0'/><Config id='2' bDefault='0'/></Config></SMember>"
+                   "<SMember name='b' LastConfigId='50'><Config>"
+                   "<Config id='2' bDefault='0'/><Config id='1' bDefault='1'/></Config></SMember>"
+                   "</list>");
+    SMember lost;
+    lost.ReadData(xml.Root().first_child());
+    EXPECT_EQ(Ids(lost), (std::vector<int>{1, 2, 1}));
+    EXPECT_EQ(lost.GetLastConfigId(), 3);
+    EXPECT_FALSE(lost.GetConfig(1)->IfDefault()) << "lookups reach the first of the clash";
+    EXPECT_TRUE(lost.GetAllConfig().back()->IfDefault());
 
-TEST(SMemberRead, FileCounterIsIgnored) {
-    XmlSnippet xml("<SMember name='a' LastConfigId='50'><Config>"
-                   "<Config id='2' bDefault='0'/><Config id='1' bDefault='1'/></Config></SMember>");
     SMember small;
-    small.ReadData(xml.Root());
-    EXPECT_EQ(small.GetLastConfigId(), 2);
+    small.ReadData(xml.Root().last_child());
+    EXPECT_EQ(small.GetLastConfigId(), 2) << "the file's counter is ignored";
     int id = 0;
     small.AddConfig(CPath(), id);
     EXPECT_EQ(id, 3);
@@ -93,18 +92,16 @@ TEST(SMemberList, MovesNeverReachTheLastEntry) {
     XmlSnippet xml("<SMember name='a'/>");
     SMember small;
     small.ReadData(xml.Root());
-    EXPECT_FALSE(small.MoveUpConfig(ConfigPath(1)));
-    EXPECT_FALSE(small.MoveDownConfig(ConfigPath(1)));
     int id = 0;
     small.AddConfig(CPath(), id); // 2
     small.AddConfig(CPath(), id); // 3
     ASSERT_EQ(Ids(small), (std::vector<int>{2, 3, 1}));
     EXPECT_FALSE(small.MoveUpConfig(ConfigPath(2)));
     EXPECT_FALSE(small.MoveDownConfig(ConfigPath(3)));
-    EXPECT_FALSE(small.MoveUpConfig(ConfigPath(1)));
-    EXPECT_FALSE(small.MoveDownConfig(ConfigPath(1)));
-    EXPECT_FALSE(small.MoveUpConfig(ConfigPath(9)));
-    EXPECT_FALSE(small.MoveDownConfig(ConfigPath(9)));
+    for (int refused : {1, 9}) {
+        EXPECT_FALSE(small.MoveUpConfig(ConfigPath(refused)));
+        EXPECT_FALSE(small.MoveDownConfig(ConfigPath(refused)));
+    }
     EXPECT_TRUE(small.MoveDownConfig(ConfigPath(2)));
     EXPECT_EQ(Ids(small), (std::vector<int>{3, 2, 1}));
     EXPECT_TRUE(small.MoveUpConfig(ConfigPath(2)));
