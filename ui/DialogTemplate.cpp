@@ -337,10 +337,7 @@ QWidget* CreateControl(const ControlTemplate& ctl, const DialogBaseUnits& units,
     } else if (ctl.cls == L"edit" && ctl.HasStyle(L"multiline")) {
         auto* lines = new QPlainTextEdit(text, parent);
         lines->setReadOnly(ctl.HasStyle(L"readonly"));
-        QObject::connect(lines, &QPlainTextEdit::textChanged, lines, [lines] {
-            if (!InProgramChange(lines))
-                SendCommandToParent(lines, EN_CHANGE);
-        });
+        WatchMultiLineEdit(lines);
         widget = lines;
     } else if (ctl.cls == L"edit") {
         auto* edit = new QLineEdit(text, parent);

@@ -211,11 +211,11 @@ TEST(AttConfigDlg, ApplyAndCopyChangeTheDialogsRecordsOnly) {
 
         ASSERT_TRUE(SelectDlgItem(d, kVarType, 0));
         ASSERT_TRUE(SelectDlgItem(d, kCompar, 1));
-        ASSERT_TRUE(SelectDlgItem(d, kSpecRelation, 1));
+        ASSERT_TRUE(SelectDlgItem(d, kSpecRelation, 0));
         ClickDlgItem(d, kApply);
         ASSERT_TRUE(SelectDlgItem(d, kAttrList, 1));
         ASSERT_TRUE(SelectDlgItem(d, kAttrList, 0));
-        EXPECT_EQ(Shown(d), (std::vector<int>{0, 1, 1}));
+        EXPECT_EQ(Shown(d), (std::vector<int>{0, 1, 0}));
         EXPECT_TRUE(host.messages.Messages().empty());
 
         // 系统编号 has no record in 排水管: the copy is refused and nothing changes.
@@ -233,10 +233,10 @@ TEST(AttConfigDlg, ApplyAndCopyChangeTheDialogsRecordsOnly) {
         EXPECT_EQ(Shown(d), (std::vector<int>{2, 0, 0}));
         ASSERT_TRUE(SelectDlgItem(d, kSmallList, 0));
         ClickDlgItem(d, kCopy);
-        EXPECT_EQ(Shown(d), (std::vector<int>{0, 1, 1}));
+        EXPECT_EQ(Shown(d), (std::vector<int>{0, 1, 0}));
         tree.UserSelect(Find(tree, pipes, L"给水管"));
         tree.UserSelect(Find(tree, pipes, L"排水管"));
-        EXPECT_EQ(Shown(d), (std::vector<int>{0, 1, 1}));
+        EXPECT_EQ(Shown(d), (std::vector<int>{0, 1, 0}));
         EXPECT_TRUE(host.messages.Messages().empty());
 
         // A small category without records: nothing to show, nothing to apply to.

@@ -75,6 +75,7 @@ namespace koqdde::ui {
 
 namespace {
 constexpr const char* kProgramProperty = "koqdde_program";
+constexpr const char* kMultiLineTextProperty = "koqdde_multiline_text";
 std::vector<QPointer<QWidget>> g_runningDialogs;
 } // namespace
 
@@ -131,6 +132,8 @@ void SetWidgetText(QWidget* widget, const CString& text) {
     } else if (auto* edit = qobject_cast<QLineEdit*>(widget)) {
         edit->setText(q);
     } else if (auto* lines = qobject_cast<QPlainTextEdit*>(widget)) {
+        // Read back as set until the user edits it: only "\r\n" breaks a line.
+        lines->setProperty(kMultiLineTextProperty, q);
         QString shown = q;
         lines->setPlainText(shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
     } else if (auto* combo = qobject_cast<QComboBox*>(widget)) {
@@ -154,8 +157,12 @@ CString WidgetText(const QWidget* widget) {
         return FromQString(group->title());
     if (auto* edit = qobject_cast<const QLineEdit*>(widget))
         return FromQString(edit->text());
-    if (auto* lines = qobject_cast<const QPlainTextEdit*>(widget))
+    if (auto* lines = qobject_cast<const QPlainTextEdit*>(widget)) {
+        const QVariant set = lines->property(kMultiLineTextProperty);
+        if (set.isValid())
+            return FromQString(set.toString());
         return FromQString(lines->toPlainText().replace(u'\n', QStringLiteral("\r\n")));
+    }
     if (auto* combo = qobject_cast<const QComboBox*>(widget))
         return FromQString(combo->currentText());
     if (auto* plain = qobject_cast<const QLabel*>(widget))
@@ -184,6 +191,16 @@ bool TypeIntoEdit(QWidget* widget, const CString& text) {
         return true;
     }
     return false;
+}
+
+void WatchMultiLineEdit(QPlainTextEdit* lines) {
+    QObject::connect(lines, &QPlainTextEdit::textChanged, lines, [lines] {
+        if (InProgramChange(lines))
+            return;
+        // The user's text is read from the field from now on.
+        lines->setProperty(kMultiLineTextProperty, QVariant());
+        SendCommandToParent(lines, EN_CHANGE);
+    });
 }
 
 void SetButtonChecked(QAbstractButton* button, bool checked) {

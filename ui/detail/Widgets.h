@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QTabBar>
 #include <QTimer>
@@ -42,6 +43,8 @@ bool IsShownAsWindows(const QWidget* widget);
 // text the program sets and reads.
 void SetWidgetText(QWidget* widget, const CString& text);
 CString WidgetText(const QWidget* widget);
+// A multi-line edit sends EN_CHANGE when the user changes its text.
+void WatchMultiLineEdit(QPlainTextEdit* lines);
 // Replaces the whole text of a single- or multi-line edit as typing does, so that EN_CHANGE
 // follows; false when the widget is no edit or is disabled or read-only.
 bool TypeIntoEdit(QWidget* widget, const CString& text);
