@@ -225,7 +225,8 @@ void CDlgAttConfig::OnCopyFromSmall() {
 }
 
 void CDlgAttConfig::OnOK() {
-    // Whether the file could be written is not the dialog's concern: it closes either way.
+    // The store's answer is not looked at. A store that can't generate the file raises, and
+    // the exception leaves the dialog open and goes to whoever sent the command.
     m_pPresenter->SaveAttConfig();
     CDialog::OnOK();
 }

@@ -1,5 +1,5 @@
-// The bill number dialog under each encoding rule of the bill library, driven as a user does.
-// Each test builds the bill library and the project's history it needs.
+// The bill number dialog under each encoding rule, driven as a user does. Each test builds the
+// bill library and the project's history it needs.
 
 #include "dialogs/CDlgGetQdNum.h"
 
@@ -12,204 +12,158 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 #include <string>
 #include <vector>
 
 using koqdde::ui::ClickDlgItem;
-using koqdde::ui::ModalHookScope;
 using koqdde::ui::SelectDlgItem;
 using koqdde::ui::TypeDlgItem;
 
 namespace {
 
-constexpr int kInfo = 1069;
-constexpr int kPrefix = 1076;
-constexpr int kSuffix = 1077;
-constexpr int kExisting = 1111;
-constexpr int kNew = 1112;
-constexpr int kList = 1113;
-constexpr int kCopyFrom = 1114;
+constexpr int kInfo = 1069, kPrefix = 1076, kSuffix = 1077;
+constexpr int kExisting = 1111, kNew = 1112, kList = 1113, kCopyFrom = 1114;
 
-const CString kSchema = FromUtf8(KOQDDE_SOURCE_DIR "/data/sample/libraries/schema.sql");
+using Texts = std::vector<CString>;
 
-struct HistoryEntry {
-    std::string number;
-    std::string name;
-    std::string unit;
-};
-
-void Build(TestHost& host, const CString& name, const std::string& sql) {
+// A database of the statements, under a name of its own.
+CString Build(TestHost& host, const std::string& sql) {
+    static int serial = 0;
+    const CString name = L"db" + IntToText(++serial);
+    const CString db = host.dir.File(name + L".db");
     CString error;
-    const CString source = host.dir.Write(name + L".sql", sql);
-    ASSERT_TRUE(BuildLibraryDatabase(kSchema, source, host.dir.File(name + L".db"), error))
+    EXPECT_TRUE(
+        BuildLibraryDatabase(FromUtf8(KOQDDE_SOURCE_DIR "/data/sample/libraries/schema.sql"),
+                             host.dir.Write(name + L".sql", sql), db, error))
         << ToUtf8(error);
+    return db;
 }
 
-// The project's bill library: this encoding rule and these bill numbers.
-void InstallLibrary(TestHost& host, int codeLength, int suffixLength,
-                    const std::vector<std::string>& bills = {}) {
-    std::string sql = "INSERT INTO library (key, value) VALUES ('kind', 'bill'), ('code', '{Q}'),"
-                      " ('code_len', '" +
-                      std::to_string(codeLength) + "'), ('suffix_len', '" +
-                      std::to_string(suffixLength) +
-                      "');\nINSERT INTO chapter (id, parent, position, code, name) VALUES "
-                      "(1, NULL, 0, '0310', '给排水');\n";
-    for (size_t i = 0; i < bills.size(); ++i)
-        sql += "INSERT INTO bill (number, chapter, position, name, unit) VALUES ('" + bills[i] +
-               "', 1, " + std::to_string(i) + ", '库清单', 'm');\n";
-    Build(host, L"library", sql);
-    host.data.libraryFiles = {host.dir.File(L"library.db")};
+// The project's bill library: its encoding rule and its bill numbers.
+void Library(TestHost& host, int code, int suffix, const std::vector<std::string>& bills = {}) {
+    std::string sql = "INSERT INTO library (key, value) VALUES ('kind', 'bill'), ('code', '{Q}'), "
+                      "('code_len', '" +
+                      std::to_string(code) + "'), ('suffix_len', '" + std::to_string(suffix) +
+                      "');\n";
+    for (const std::string& number : bills)
+        sql += "INSERT INTO bill (number, chapter, position, name, unit) VALUES ('" + number +
+               "', 1, 0, '库清单', 'm');\n";
+    host.data.libraryFiles = {Build(host, sql)};
     host.data.project.bill.code = L"{Q}";
 }
 
-// The project's history, in the order given; each call makes a new history file.
-void InstallHistory(TestHost& host, const std::vector<HistoryEntry>& entries) {
-    static int serial = 0;
-    const CString name = L"history" + IntToText(++serial);
+// The project's history, first used first: number, name and unit of each bill.
+void History(TestHost& host, const std::vector<std::array<std::string, 3>>& bills) {
     std::string sql = "SELECT 1;\n";
-    for (size_t i = 0; i < entries.size(); ++i)
-        sql += "INSERT INTO qd_history (number, name, unit, position) VALUES ('" +
-               entries[i].number + "', '" + entries[i].name + "', '" + entries[i].unit + "', " +
-               std::to_string(i) + ");\n";
-    Build(host, name, sql);
-    host.data.historyFile = host.dir.File(name + L".db");
+    for (size_t i = 0; i < bills.size(); ++i)
+        sql += "INSERT INTO qd_history (number, name, unit, position) VALUES ('" + bills[i][0] +
+               "', '" + bills[i][1] + "', '" + bills[i][2] + "', " + std::to_string(i) + ");\n";
+    host.data.historyFile = Build(host, sql);
 }
 
-// Runs the dialog on a picked number; `act` drives it, and the result is what OK or Cancel
-// gave (-1 while it is still open at the end).
-int RunDialog(CDlgGetQdNum& dlg, const std::function<void(CDialog&)>& act) {
-    ModalHookScope hook([&](CDialog& d) {
+// Runs the dialog on a picked number; the result is what OK or Cancel gave (-1: still open).
+int RunDialog(CDlgGetQdNum& dlg, const CString& picked, const std::function<void(CDialog&)>& act) {
+    dlg.m_strQdNum = picked;
+    koqdde::ui::ModalHookScope hook([&](CDialog& d) {
         act(d);
         return d.GetEndResult();
     });
     return dlg.DoModal();
 }
 
-std::vector<CString> Entries(CDialog& d, int id) {
-    std::vector<CString> entries;
-    if (auto* list = dynamic_cast<CListBox*>(d.GetDlgItem(id))) {
+Texts Entries(CDialog& d, int id) {
+    Texts texts;
+    if (auto* list = dynamic_cast<CListBox*>(d.GetDlgItem(id)))
         for (int i = 0; i < list->GetCount(); ++i)
-            entries.push_back(list->GetText(i));
-    } else if (auto* combo = dynamic_cast<CComboBox*>(d.GetDlgItem(id))) {
+            texts.push_back(list->GetText(i));
+    if (auto* combo = dynamic_cast<CComboBox*>(d.GetDlgItem(id)))
         for (int i = 0; i < combo->GetCount(); ++i)
-            entries.push_back(combo->GetLBText(i));
-    }
-    return entries;
+            texts.push_back(combo->GetLBText(i));
+    return texts;
 }
 
 bool Checked(CDialog& d, int id) {
-    auto* radio = qobject_cast<QAbstractButton*>(d.GetDlgItem(id)->GetSafeHwnd());
-    return radio && radio->isChecked();
+    return qobject_cast<QAbstractButton*>(d.GetDlgItem(id)->GetSafeHwnd())->isChecked();
 }
 
 bool Enabled(CDialog& d, int id) {
     return d.GetDlgItem(id)->IsWindowEnabled() != FALSE;
 }
 
-using Numbers = std::vector<CString>;
+void ExpectRefusal(TestHost& host, CDialog& d, const wchar_t* text) {
+    EXPECT_FALSE(d.IsEnded()) << ToUtf8(CString(text));
+    ASSERT_EQ(host.messages.Texts(), Texts{text});
+    EXPECT_EQ(host.messages.Messages()[0].caption, L"Quorvel");
+    EXPECT_EQ(host.messages.Messages()[0].flags, 0x12030u);
+    host.messages.Clear();
+}
 
 } // namespace
 
 TEST(GetQdNumDlg, NineDigitRuleContinuesAfterTheHighestSequenceOfTheHistory) {
     TestHost host;
-    InstallLibrary(host, 9, 3);
-
-    // No history: only a new number can be chosen, and it starts the sequence.
-    InstallHistory(host, {{"031001001001", "镀锌钢管", "m"}});
-    CDlgGetQdNum first;
-    first.m_strQdNum = L"031001006";
-    int result = RunDialog(first, [&](CDialog& d) {
+    Library(host, 9, 3);
+    History(host, {{"031001001001", "镀锌钢管", "m"}});
+    CDlgGetQdNum fresh;
+    int result = RunDialog(fresh, L"031001006", [&](CDialog& d) {
+        // Nothing in the history for this number: only a new one, starting the sequence.
         EXPECT_FALSE(Enabled(d, kExisting));
         EXPECT_TRUE(Checked(d, kNew));
-        EXPECT_FALSE(Checked(d, kExisting));
-        EXPECT_EQ(Entries(d, kList), Numbers{});
         EXPECT_FALSE(Enabled(d, kList));
-        EXPECT_TRUE(Enabled(d, kSuffix));
-        EXPECT_FALSE(Enabled(d, kPrefix));
         EXPECT_EQ(d.GetDlgItemText(kPrefix), L"031001006");
         EXPECT_EQ(d.GetDlgItemText(kSuffix), L"001");
-        EXPECT_EQ(d.GetDlgItemText(kInfo), L"");
-        EXPECT_EQ(Entries(d, kCopyFrom), Numbers{L""});
         ClickDlgItem(d, IDOK);
     });
     EXPECT_EQ(result, IDOK);
-    EXPECT_EQ(first.m_strQdNum, L"031001006001");
-    EXPECT_EQ(first.m_strCopyFrom, L"");
+    EXPECT_EQ(fresh.m_strQdNum, L"031001006001");
 
-    // The history's order stands in the list; the highest sequence counts, wherever it is.
-    InstallHistory(host,
-                   {{"031001006007", "塑料管", "m"}, {"031001006003", "塑料管(热熔)", "10m"}});
-    CDlgGetQdNum second;
-    second.m_strQdNum = L"031001006";
-    result = RunDialog(second, [&](CDialog& d) {
+    // The list keeps the history's order; the highest sequence counts wherever it stands.
+    History(host, {{"031001006007", "塑料管", "m"}, {"031001006003", "塑料管(热熔)", "10m"}});
+    CDlgGetQdNum used;
+    result = RunDialog(used, L"031001006", [&](CDialog& d) {
         EXPECT_TRUE(Enabled(d, kExisting));
-        EXPECT_TRUE(Checked(d, kNew));
-        EXPECT_EQ(Entries(d, kList), (Numbers{L"031001006007", L"031001006003"}));
-        EXPECT_EQ(d.GetDlgItemText(kInfo), L"塑料管\r\nm") << "the first entry is shown";
+        EXPECT_EQ(Entries(d, kList), (Texts{L"031001006007", L"031001006003"}));
+        EXPECT_EQ(d.GetDlgItemText(kInfo), L"塑料管\r\nm");
         EXPECT_EQ(d.GetDlgItemText(kSuffix), L"008");
-        EXPECT_EQ(Entries(d, kCopyFrom), (Numbers{L"", L"031001006007", L"031001006003"}));
+        EXPECT_EQ(Entries(d, kCopyFrom), (Texts{L"", L"031001006007", L"031001006003"}));
         ASSERT_TRUE(SelectDlgItem(d, kCopyFrom, 2));
         ClickDlgItem(d, IDOK);
     });
     EXPECT_EQ(result, IDOK);
-    EXPECT_EQ(second.m_strQdNum, L"031001006008");
-    EXPECT_EQ(second.m_strCopyFrom, L"031001006003");
+    EXPECT_EQ(used.m_strQdNum, L"031001006008");
+    EXPECT_EQ(used.m_strCopyFrom, L"031001006003");
 
-    // Past the largest sequence of three digits the proposal starts again at 000.
-    InstallHistory(host, {{"031001006999", "塑料管", "m"}});
-    CDlgGetQdNum third;
-    third.m_strQdNum = L"031001006";
-    RunDialog(third, [&](CDialog& d) { EXPECT_EQ(d.GetDlgItemText(kSuffix), L"000"); });
+    History(host, {{"031001006999", "塑料管", "m"}});
+    CDlgGetQdNum wrapped;
+    RunDialog(wrapped, L"031001006", [](CDialog& d) {
+        EXPECT_EQ(d.GetDlgItemText(kSuffix), L"000") << "999 is followed by 0";
+    });
 }
 
 TEST(GetQdNumDlg, RefusalsKeepTheDialogOpenWithItsInput) {
     TestHost host;
-    InstallLibrary(host, 9, 3);
-    InstallHistory(host,
-                   {{"031001006007", "塑料管", "m"}, {"031001006003", "塑料管(热熔)", "10m"}});
+    Library(host, 9, 3);
+    History(host, {{"031001006007", "塑料管", "m"}, {"031001006003", "塑料管(热熔)", "10m"}});
     CDlgGetQdNum dlg;
-    dlg.m_strQdNum = L"031001006";
-    const int result = RunDialog(dlg, [&](CDialog& d) {
-        auto expectRefusal = [&](const wchar_t* text) {
-            EXPECT_FALSE(d.IsEnded()) << ToUtf8(CString(text));
-            ASSERT_EQ(host.messages.Messages().size(), 1u) << ToUtf8(CString(text));
-            EXPECT_EQ(host.messages.Messages()[0].text, text);
-            EXPECT_EQ(host.messages.Messages()[0].caption, L"Quorvel");
-            EXPECT_EQ(host.messages.Messages()[0].flags, 0x12030u);
-            host.messages.Clear();
-        };
+    dlg.m_arrUsedQd.Add(L"031001006003");
+    const int result = RunDialog(dlg, L"031001006", [&](CDialog& d) {
         // Only the length of a new sequence counts; a wrong one is replaced by the proposal.
         ASSERT_TRUE(TypeDlgItem(d, kSuffix, L"08"));
         ClickDlgItem(d, IDOK);
-        expectRefusal(L"新清单号不符合规范!");
+        ExpectRefusal(host, d, L"新清单号不符合规范!");
         EXPECT_EQ(d.GetDlgItemText(kSuffix), L"008");
-        ASSERT_TRUE(TypeDlgItem(d, kSuffix, L"x1y"));
-        ClickDlgItem(d, IDOK);
-        EXPECT_TRUE(d.IsEnded()) << "letters of the right length pass";
-        EXPECT_EQ(dlg.m_strQdNum, L"031001006x1y");
-    });
-    EXPECT_EQ(result, IDOK);
 
-    // A new number that the history holds; then an existing one the configuration has.
-    CDlgGetQdNum again;
-    again.m_strQdNum = L"031001006";
-    again.m_arrUsedQd.Add(L"031001006003");
-    const int second = RunDialog(again, [&](CDialog& d) {
-        auto expectRefusal = [&](const wchar_t* text) {
-            EXPECT_FALSE(d.IsEnded());
-            ASSERT_EQ(host.messages.Texts(), std::vector<CString>{text});
-            EXPECT_EQ(host.messages.Messages()[0].flags, 0x12030u);
-            host.messages.Clear();
-        };
+        // A new number must not be in the history.
         ASSERT_TRUE(TypeDlgItem(d, kSuffix, L"007"));
         ClickDlgItem(d, IDOK);
-        expectRefusal(L"清单已经套用!");
+        ExpectRefusal(host, d, L"清单已经套用!");
         EXPECT_EQ(d.GetDlgItemText(kSuffix), L"007");
 
+        // An existing number must not be in the configuration already.
         ASSERT_TRUE(SelectDlgItem(d, kCopyFrom, 1));
         ASSERT_TRUE(ClickDlgItem(d, kExisting));
-        EXPECT_TRUE(Checked(d, kExisting));
         EXPECT_FALSE(Checked(d, kNew));
         EXPECT_TRUE(Enabled(d, kList));
         EXPECT_FALSE(Enabled(d, kSuffix));
@@ -217,112 +171,83 @@ TEST(GetQdNumDlg, RefusalsKeepTheDialogOpenWithItsInput) {
         ASSERT_TRUE(SelectDlgItem(d, kList, 1));
         EXPECT_EQ(d.GetDlgItemText(kInfo), L"塑料管(热熔)\r\n10m");
         ClickDlgItem(d, IDOK);
-        expectRefusal(L"同一构件不能多次套同一清单 !");
+        ExpectRefusal(host, d, L"同一构件不能多次套同一清单 !");
 
         ASSERT_TRUE(SelectDlgItem(d, kList, 0));
-        EXPECT_EQ(d.GetDlgItemText(kInfo), L"塑料管\r\nm");
         ClickDlgItem(d, IDOK);
     });
-    EXPECT_EQ(second, IDOK);
-    EXPECT_EQ(again.m_strQdNum, L"031001006007");
-    EXPECT_EQ(again.m_strCopyFrom, L"") << "a number in use copies nothing";
+    EXPECT_EQ(result, IDOK);
+    EXPECT_EQ(dlg.m_strQdNum, L"031001006007");
+    EXPECT_EQ(dlg.m_strCopyFrom, L"") << "a number in use copies nothing";
     EXPECT_TRUE(host.messages.Messages().empty());
 }
 
 TEST(GetQdNumDlg, TwelveDigitRulesSplitThePickedNumber) {
     TestHost host;
-    InstallLibrary(host, 12, 3, {"031001006005", "031001006006", "031001006008"});
-
-    // A picked sequence that the history doesn't hold stays.
-    InstallHistory(host, {{"031001006001", "塑料管", "m"}});
+    Library(host, 12, 3, {"031001006005", "031001006006", "031001006008"});
+    History(host, {{"031001006001", "塑料管", "m"}});
     CDlgGetQdNum free;
-    free.m_strQdNum = L"031001006005";
-    RunDialog(free, [&](CDialog& d) {
+    RunDialog(free, L"031001006005", [](CDialog& d) {
         EXPECT_EQ(d.GetDlgItemText(kPrefix), L"031001006");
-        EXPECT_EQ(d.GetDlgItemText(kSuffix), L"005");
-        EXPECT_EQ(Entries(d, kList), Numbers{L"031001006001"});
+        EXPECT_EQ(d.GetDlgItemText(kSuffix), L"005") << "a free pick stays";
     });
 
-    // Held by the history: counts past library bills and the history to a free number.
-    InstallHistory(host, {{"031001006005", "塑料管", "m"}, {"031001006007", "塑料管", "m"}});
+    // A pick the history holds counts past library bills and the history to a free number; a
+    // refused suffix is replaced by the next after the highest, free or not.
+    History(host, {{"031001006005", "塑料管", "m"}, {"031001006007", "塑料管", "m"}});
     CDlgGetQdNum taken;
-    taken.m_strQdNum = L"031001006005";
-    int result = RunDialog(taken, [&](CDialog& d) {
+    int result = RunDialog(taken, L"031001006005", [&](CDialog& d) {
         EXPECT_EQ(d.GetDlgItemText(kSuffix), L"009");
-        // A refused suffix is replaced by the next after the highest, not a free one.
         ASSERT_TRUE(TypeDlgItem(d, kSuffix, L"5"));
         ClickDlgItem(d, IDOK);
-        EXPECT_FALSE(d.IsEnded());
+        ExpectRefusal(host, d, L"新清单号不符合规范!");
         EXPECT_EQ(d.GetDlgItemText(kSuffix), L"008");
         ClickDlgItem(d, IDOK);
     });
     EXPECT_EQ(result, IDOK);
     EXPECT_EQ(taken.m_strQdNum, L"031001006008");
-    EXPECT_EQ(host.messages.Texts(), std::vector<CString>{L"新清单号不符合规范!"});
 
-    // Rule 12/1: eleven fixed characters and a one-digit sequence that wraps after 9.
-    InstallLibrary(host, 12, 1);
-    InstallHistory(host, {{"031001006009", "塑料管", "m"}, {"031001006002", "塑料管", "m"}});
+    // 12/1: eleven fixed characters and one digit that wraps after 9.
+    Library(host, 12, 1);
+    History(host, {{"031001006009", "塑料管", "m"}, {"031001006002", "塑料管", "m"}});
     CDlgGetQdNum single;
-    single.m_strQdNum = L"031001006005";
-    result = RunDialog(single, [&](CDialog& d) {
+    result = RunDialog(single, L"031001006005", [](CDialog& d) {
         EXPECT_EQ(d.GetDlgItemText(kPrefix), L"03100100600");
-        EXPECT_EQ(d.GetDlgItemText(kSuffix), L"0");
         ClickDlgItem(d, IDOK);
     });
     EXPECT_EQ(result, IDOK);
     EXPECT_EQ(single.m_strQdNum, L"031001006000");
-
-    // Rule 10/2 keeps the picked number whole and continues its two-digit sequence.
-    InstallLibrary(host, 10, 2);
-    InstallHistory(host, {{"031001006004", "塑料管", "m"}});
-    CDlgGetQdNum ten;
-    ten.m_strQdNum = L"0310010060";
-    RunDialog(ten, [&](CDialog& d) {
-        EXPECT_EQ(d.GetDlgItemText(kPrefix), L"0310010060");
-        EXPECT_EQ(d.GetDlgItemText(kSuffix), L"05");
-    });
 }
 
 TEST(GetQdNumDlg, RulesWithoutNumberingProposeNothing) {
     TestHost host;
-    InstallHistory(host, {{"031001006007", "塑料管", "m"}});
-
-    // A rule the dialog doesn't know: nothing is read or proposed, the template's state stays.
-    InstallLibrary(host, 11, 2);
+    History(host, {{"031001006007", "塑料管", "m"}});
+    Library(host, 11, 2);
     CDlgGetQdNum unknown;
-    unknown.m_strQdNum = L"031001006";
-    int result = RunDialog(unknown, [&](CDialog& d) {
-        EXPECT_EQ(Entries(d, kList), Numbers{});
+    int result = RunDialog(unknown, L"031001006", [&](CDialog& d) {
+        // Nothing read, nothing proposed: the dialog stays as its template made it.
+        EXPECT_EQ(Entries(d, kList), Texts{});
         EXPECT_TRUE(Enabled(d, kList));
-        EXPECT_TRUE(Enabled(d, kExisting));
         EXPECT_TRUE(Checked(d, kNew));
-        EXPECT_EQ(d.GetDlgItemText(kPrefix), L"");
-        EXPECT_EQ(d.GetDlgItemText(kSuffix), L"");
-        EXPECT_EQ(Entries(d, kCopyFrom), Numbers{});
-        ClickDlgItem(d, IDOK);
-        EXPECT_FALSE(d.IsEnded());
-        EXPECT_EQ(d.GetDlgItemText(kSuffix), L"01");
+        EXPECT_EQ(d.GetDlgItemText(kPrefix) + d.GetDlgItemText(kSuffix), L"");
+        EXPECT_EQ(Entries(d, kCopyFrom), Texts{});
         ClickDlgItem(d, IDCANCEL);
     });
     EXPECT_EQ(result, IDCANCEL);
     EXPECT_EQ(unknown.m_strQdNum, L"031001006") << "cancelling changes nothing";
 
-    // No library: a new number can never have the length -1; only the other radio leaves.
+    // No library: no suffix has the length -1, so only the other radio leaves by OK.
     host.data.libraryFiles.clear();
-    host.messages.Clear();
     CDlgGetQdNum none;
-    none.m_strQdNum = L"031001006";
-    result = RunDialog(none, [&](CDialog& d) {
+    result = RunDialog(none, L"031001006", [&](CDialog& d) {
         for (const wchar_t* typed : {L"", L"0", L"001"}) {
             ASSERT_TRUE(TypeDlgItem(d, kSuffix, typed));
             ClickDlgItem(d, IDOK);
-            EXPECT_FALSE(d.IsEnded());
+            ExpectRefusal(host, d, L"新清单号不符合规范!");
         }
         ASSERT_TRUE(ClickDlgItem(d, kExisting));
         ClickDlgItem(d, IDOK);
     });
     EXPECT_EQ(result, IDOK);
     EXPECT_EQ(none.m_strQdNum, L"") << "no entry was selected";
-    EXPECT_EQ(host.messages.Texts(), std::vector<CString>(3, L"新清单号不符合规范!"));
 }
