@@ -1,5 +1,7 @@
 #include "ui/CDialog.h"
 
+#include <exception>
+
 #include "platform/NumParse.h"
 #include "ui/CButton.h"
 #include "ui/ModalHook.h"
@@ -138,6 +140,7 @@ int CDialog::DoModal() {
     m_ended = false;
     m_endResult = -1;
     m_modal = true;
+    std::exception_ptr pending;
     QWidget* widget = GetSafeHwnd();
     PushRunningDialog(widget);
     OnInitDialog();
@@ -153,13 +156,17 @@ int CDialog::DoModal() {
             result = RunModalHook(*this, &hooked);
         }
         if (!hooked) {
+            koqdde::ui::ModalLoopScope loop(dialog);
             result = dialog->exec();
             if (m_ended)
                 result = m_endResult;
+            pending = loop.Pending();
         }
     }
     m_modal = false;
     DestroyOwnWindow();
+    if (pending)
+        std::rethrow_exception(pending);
     return result;
 }
 

@@ -6,11 +6,15 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCollator>
+#include <QDialog>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScreen>
 #include <QVariant>
+
+#include <exception>
+#include <vector>
 
 namespace {
 constexpr const char* kCWndProperty = "koqdde_cwnd";
@@ -224,8 +228,51 @@ void CWnd::UpdateWindow() {
         m_widget->repaint();
 }
 
+namespace {
+// One entry per running modal loop: how deep our own dispatch is inside it, and an exception a
+// handler raised there. Qt's event dispatch must not be crossed by an exception, so the first
+// dispatch of a loop catches it, ends the loop, and DoModal throws it again.
+struct ModalLoop {
+    QPointer<QDialog> dialog;
+    int depth = 0;
+    std::exception_ptr pending;
+};
+std::vector<ModalLoop> g_loops;
+} // namespace
+
+namespace koqdde::ui {
+ModalLoopScope::ModalLoopScope(QDialog* dialog) {
+    g_loops.push_back({dialog, 0, nullptr});
+}
+
+ModalLoopScope::~ModalLoopScope() {
+    g_loops.pop_back();
+}
+
+std::exception_ptr ModalLoopScope::Pending() const {
+    return g_loops.back().pending;
+}
+} // namespace koqdde::ui
+
 LRESULT CWnd::SendMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    return WindowProc(message, wParam, lParam);
+    // Outside a modal loop (or nested in a dispatch of ours) exceptions travel as usual.
+    if (g_loops.empty() || g_loops.back().depth > 0)
+        return WindowProc(message, wParam, lParam);
+    ModalLoop& loop = g_loops.back();
+    ++loop.depth;
+    try {
+        LRESULT result = WindowProc(message, wParam, lParam);
+        --g_loops.back().depth;
+        return result;
+    } catch (...) {
+        ModalLoop& current = g_loops.back();
+        --current.depth;
+        if (!current.pending)
+            current.pending = std::current_exception();
+        if (current.dialog)
+            current.dialog->done(-1);
+        return 0;
+    }
 }
 
 LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {

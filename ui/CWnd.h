@@ -10,6 +10,8 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <exception>
+
 class CWnd {
 public:
     CWnd() = default;
@@ -85,7 +87,21 @@ private:
     bool m_ownsWidget = false;
 };
 
+class QDialog;
+
 namespace koqdde::ui {
+// While it lives, dialog runs a modal loop of Qt's: an exception a handler raises in a message
+// sent from that loop ends the loop instead of crossing Qt's event dispatch, and is kept for
+// the code that started the loop (CDialog::DoModal throws it again).
+class ModalLoopScope {
+public:
+    explicit ModalLoopScope(QDialog* dialog);
+    ~ModalLoopScope();
+    ModalLoopScope(const ModalLoopScope&) = delete;
+    ModalLoopScope& operator=(const ModalLoopScope&) = delete;
+    std::exception_ptr Pending() const;
+};
+
 // Sends WM_COMMAND (code, id of the control) to the parent window of a control widget, or
 // nothing when the parent has no CWnd attached. Returns the parent's result.
 LRESULT SendCommandToParent(QWidget* control, UINT code);

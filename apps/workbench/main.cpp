@@ -4,8 +4,10 @@
 
 #include "dialogs/CDlgAttConfig.h"
 #include "host/HostData.h"
+#include "host/QvKoSettings/QvKoSettings.h"
 #include "host/datapack/DataPack.h"
 #include "host/ui/QvPickers/QvPickers.h"
+#include "platform/FileSystem.h"
 #include "platform/MessageBox.h"
 #include "presenter/CAutoQdDeConfigFacade.h"
 #include "ui/CDialog.h"
@@ -29,6 +31,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <string>
 
 namespace {
@@ -204,6 +207,9 @@ bool PickFirstBill(QWidget& picker) {
 // Opens the workbench, the wizard's page or the attribute dialog, as the options say.
 void RunChosenDialog(const Options& options, bool printResult) {
     if (options.attrDialog) {
+        // The application writes the attribute settings before anything reads them.
+        if (!PathExists(QvKoSettings::GetAppProfile().GetConfigPath() + L"/AttrConfig.xml"))
+            CAutoQdDeConfigFacade::AttrConfig();
         CDlgAttConfig dialog(nullptr);
         dialog.DoModal();
         return;
@@ -260,7 +266,15 @@ int main(int argc, char** argv) {
     SetActiveWindowProvider(koqdde::ui::QtActiveWindow);
 
     if (options.screenshot.empty()) {
-        RunChosenDialog(options, true);
+        // A failure a dialog does not handle itself (the attribute dialog's save raises one by
+        // design) ends the program with its reason, not a crash.
+        try {
+            RunChosenDialog(options, true);
+        } catch (const std::exception& e) {
+            SetActiveWindowProvider(nullptr);
+            std::fprintf(stderr, "koqdde-workbench: the dialog failed: %s\n", e.what());
+            return 3;
+        }
         SetActiveWindowProvider(nullptr);
         return 0;
     }

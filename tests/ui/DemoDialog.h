@@ -26,6 +26,7 @@ public:
     std::function<void(UINT id, NMHDR*)> onNotify;
     std::function<void(UINT id, UINT code)> onCommand;
     std::function<LRESULT(NMHDR*)> notifyResult;
+    std::function<void()> onInit;
 
     CButton button;
     CButton check;
@@ -61,6 +62,8 @@ protected:
         ++initCalls;
         CDialog::OnInitDialog();
         initSawBoundControls = list.IsWindow() && view.IsWindow();
+        if (onInit)
+            onInit();
         return TRUE;
     }
     BOOL OnCommand(UINT id, UINT code) override {

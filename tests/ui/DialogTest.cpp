@@ -15,12 +15,14 @@
 #include <QLineEdit>
 #include <QRawFont>
 #include <QScreen>
+#include <QTimer>
 #include <QWidget>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <functional>
+#include <stdexcept>
 
 using koqdde::test::DemoDialog;
 using koqdde::test::RunDialog;
@@ -296,4 +298,33 @@ TEST(UiDialog, PrivateMessagesAndCenteringGoThroughTheWindow) {
         EXPECT_LE(std::abs(placed.left + placed.right - screen.left() * 2 - screen.width()), 1);
         EXPECT_LE(std::abs(placed.top + placed.bottom - screen.top() * 2 - screen.height()), 1);
     });
+}
+
+TEST(UiDialog, AnExceptionOfAHandlerInARealModalLoopEndsTheLoopAndLeavesDoModal) {
+    // A real loop, no hook: the user's click arrives from Qt's event dispatch, which an
+    // exception must not cross. The outer dialog's click opens the inner one.
+    koqdde::test::DemoDialog outer;
+    koqdde::test::DemoDialog inner;
+    inner.onCommand = [](UINT id, UINT) {
+        if (id == 1000)
+            throw std::runtime_error("handler failed");
+    };
+    outer.onCommand = [&](UINT id, UINT) {
+        if (id == 1000)
+            inner.DoModal();
+    };
+    // Each loop clicks its own button once it runs.
+    auto clickWhenShown = [](koqdde::test::DemoDialog& dialog) {
+        QTimer::singleShot(0, [&dialog] { koqdde::ui::ClickDlgItem(dialog, 1000); });
+    };
+    outer.onInit = [&] { clickWhenShown(outer); };
+    inner.onInit = [&] { clickWhenShown(inner); };
+    try {
+        outer.DoModal();
+        ADD_FAILURE() << "DoModal returned";
+    } catch (const std::runtime_error& e) {
+        EXPECT_STREQ(e.what(), "handler failed");
+    }
+    EXPECT_FALSE(outer.IsWindow());
+    EXPECT_FALSE(inner.IsWindow());
 }
