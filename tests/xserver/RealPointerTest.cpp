@@ -4,8 +4,10 @@
 
 #include "dialogs/CTTComboBox.h"
 #include "host/HostData.h"
+#include "host/sqlite/LibraryFiles.h"
 #include "presenter/CQdDeConfigPresenter.h"
 #include "support/TestHost.h"
+#include "ui/CGridCtrl.h"
 #include "ui/DialogTemplate.h"
 #include "ui/ModalHook.h"
 #include "workbench/CAutoConfigDlg.h"
@@ -19,11 +21,13 @@
 #include <QScreen>
 #include <QTableWidget>
 #include <QTest>
+#include <QTreeWidget>
 #include <QWidget>
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <vector>
 
 using namespace AutoConfigIds;
 
@@ -207,4 +211,79 @@ TEST(RealPointer, ARowHeadClickSelectsTheRowAndDeleteTakesItsBill) {
     ASSERT_NE(config, nullptr);
     ASSERT_EQ(config->GetQd().size(), 1u);
     EXPECT_EQ(config->GetQd()[0]->m_qd.strQdId, L"031001001001");
+}
+
+TEST(RealPointer, ThePickerStandsBesideTheWorkbenchAndADoubleClickedBillEntersTheGrid) {
+    PointAtScreen(FarAway());
+    TestHost host;
+    host.Add(L"给排水", L"管道", L"给水管", 1, 101);
+    host.data.project.bill.code = L"{BILL}";
+    CString error;
+    const CString source = host.dir.Write(
+        L"bills.sql",
+        "INSERT INTO library (key, value) VALUES ('kind', 'bill'), ('code', '{BILL}'),"
+        " ('code_len', '9'), ('suffix_len', '3');\n"
+        "INSERT INTO chapter (id, parent, position, code, name) VALUES (1, NULL, 0, '0310', "
+        "'给排水');\nINSERT INTO bill (number, chapter, position, name, unit, formula) VALUES"
+        " ('031001001', 1, 0, '镀锌钢管', 'm', 'L'), ('031001006', 1, 1, '塑料管', 'm', 'L');\n");
+    ASSERT_TRUE(
+        BuildLibraryDatabase(FromUtf8(KOQDDE_SOURCE_DIR "/data/sample/libraries/schema.sql"),
+                             source, host.dir.File(L"bills.db"), error))
+        << ToUtf8(error);
+    host.data.libraryFiles = {host.dir.File(L"bills.db")};
+
+    QRect workbenchFrame, pickerFrame;
+    int numberDialogs = 0;
+    std::vector<CString> grid;
+    koqdde::ui::ModalHookScope hook([&](CDialog& dialog) {
+        if (dialog.GetTemplateId() != CAutoConfigDlg::IDD) {
+            ++numberDialogs; // the bill number dialog: its proposal taken
+            koqdde::ui::ClickDlgItem(dialog, IDOK);
+            return dialog.GetEndResult();
+        }
+        QWidget* window = dialog.widget();
+        window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(window));
+        QWidget* button = dialog.GetDlgItem(kPick)->widget();
+        PointAt(button, button->rect().center());
+        QTest::mouseClick(button, Qt::LeftButton, Qt::NoModifier, button->rect().center());
+        QWidget* picker = nullptr;
+        for (QWidget* child : window->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            if (child->isWindow() && child->isVisible())
+                picker = child;
+        if (!picker || !QTest::qWaitForWindowExposed(picker)) {
+            ADD_FAILURE() << "no picker shown";
+            return IDCANCEL;
+        }
+        workbenchFrame = window->frameGeometry();
+        pickerFrame = picker->frameGeometry();
+        // A number typed into the search field, then the found row double-clicked where it lies.
+        auto* search = picker->findChild<QLineEdit*>(QStringLiteral("pickerSearch"));
+        auto* items = picker->findChild<QTreeWidget*>(QStringLiteral("pickerItems"));
+        if (!search || !items) {
+            ADD_FAILURE() << "picker without its search field or list";
+            return IDCANCEL;
+        }
+        QTest::mouseClick(search, Qt::LeftButton);
+        QTest::keyClicks(search, QStringLiteral("031001006"));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return items->topLevelItemCount() == 1; }, 2000));
+        if (items->topLevelItemCount() == 1) {
+            const QRect row = items->visualItemRect(items->topLevelItem(0));
+            PointAt(items->viewport(), row.center());
+            // The first click of the pair, then the second, which the view takes as a double.
+            QTest::mouseClick(items->viewport(), Qt::LeftButton, Qt::NoModifier, row.center());
+            QTest::mouseDClick(items->viewport(), Qt::LeftButton, Qt::NoModifier, row.center());
+        }
+        auto* table = dynamic_cast<CGridCtrl*>(dialog.GetDlgItem(kGrid));
+        for (int r = 1; table && r < table->GetRowCount(); ++r)
+            grid.push_back(table->GetItemText(r, 1));
+        dialog.SendMessage(WM_CLOSE);
+        return dialog.GetEndResult();
+    });
+    CAutoConfigDlg workbench(CString(), nullptr);
+    workbench.DoModal();
+    EXPECT_EQ(pickerFrame.left(), workbenchFrame.right() + 1) << "at the workbench's right edge";
+    EXPECT_EQ(pickerFrame.top(), workbenchFrame.top());
+    EXPECT_EQ(numberDialogs, 1);
+    EXPECT_EQ(grid, std::vector<CString>{L"031001006001"});
 }
