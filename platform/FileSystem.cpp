@@ -55,6 +55,20 @@ bool PathExists(const CString& path) {
     return !path.IsEmpty() && ::access(ToUtf8(path).c_str(), F_OK) == 0;
 }
 
+bool IsSameFile(const CString& a, const CString& b) {
+    std::error_code ec;
+    const fs::path pa(ToUtf8(a));
+    const fs::path pb(ToUtf8(b));
+    if (fs::exists(pa, ec) && fs::exists(pb, ec)) {
+        bool same = fs::equivalent(pa, pb, ec);
+        if (!ec)
+            return same;
+    }
+    const fs::path na = fs::absolute(pa, ec).lexically_normal();
+    const fs::path nb = fs::absolute(pb, ec).lexically_normal();
+    return na == nb;
+}
+
 bool MakeDirectory(const CString& path) {
     return !path.IsEmpty() && ::mkdir(ToUtf8(path).c_str(), 0777) == 0;
 }

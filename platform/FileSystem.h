@@ -19,6 +19,10 @@ bool CopyFileOverwrite(const CString& from, const CString& to);
 // Copies a folder tree, replacing files that exist. False on the first failure.
 bool CopyTree(const CString& from, const CString& to);
 
+// Whether two paths name one file as this platform decides it: the same file by identity
+// (device and inode) when both exist, else the same normalised absolute path, with case.
+bool IsSameFile(const CString& a, const CString& b);
+
 // Whole-file reading; nothing when the file can't be opened.
 std::optional<std::string> ReadFileBytes(const CString& path);
 // Replaces the file atomically: temporary file in the same folder, flush, fsync, rename.

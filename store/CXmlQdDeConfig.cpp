@@ -9,12 +9,12 @@
 
 namespace {
 
-const wchar_t* const
-    kMissingFileText = L"\u6587\u4EF6\u4E0D\u5B58\u5728\uFF0C\u8BF7\u91CD\u65B0\u9009\u62E9\u8C03"
-                       L"\u7528\u6587\u4EF6"; // 文件不存在，请重新选择调用文件
-const wchar_t* const
-    kSaveAsFailedText = L"\u6587\u4EF6\u53E6\u5B58\u4E3A\u51FA\u9519,"
-                        L"\u8BF7\u7A0D\u5019\u5728\u8BD5"; // 文件另存为出错,请稍候在试
+const wchar_t* const kMissingFileText =
+    L"\u6587\u4EF6\u4E0D\u5B58\u5728\uFF0C\u8BF7\u91CD\u65B0\u9009\u62E9\u8C03"
+    L"\u7528\u6587\u4EF6"; // 文件不存在，请重新选择调用文件
+const wchar_t* const kSaveAsFailedText =
+    L"\u6587\u4EF6\u53E6\u5B58\u4E3A\u51FA\u9519,"
+    L"\u8BF7\u7A0D\u5019\u5728\u8BD5"; // 文件另存为出错,请稍候在试
 
 CString VersionText() {
     return QvKoSettings::GetAppProfile().GetVersion().ToString();
@@ -128,7 +128,8 @@ bool CXmlQdDeConfig::SaveAs(const CString& target) {
 }
 
 bool CXmlQdDeConfig::ReLoad(const CString& file) {
-    if (file.CompareNoCase(m_strFile) != 0)
+    // Another file is saved to first; the open one, however it is spelled, is read anew.
+    if (!IsSameFile(file, m_strFile))
         Save();
     if (!PathExists(file)) {
         ShowWarning(CString(kMissingFileText) + kRefusalMark);

@@ -151,10 +151,17 @@ TEST(XmlStore, ReloadSavesFirstOnlyForAnotherFile) {
     int id = 0;
     store.AddConfig(PathTo(2, 1, 101), id);
 
-    // The same name in another case is taken for the open file: no save first. (The disk here
-    // tells the cases apart, so the load itself then finds no such file.)
-    EXPECT_FALSE(store.ReLoad(host.dir.File(L"main.XML")));
+    // The open file by another spelling is read anew without a save: the edit is gone.
+    EXPECT_TRUE(store.ReLoad(host.dir.File(L"./Main.xml")));
     EXPECT_EQ(host.dir.Read(file), before);
+    EXPECT_EQ(ConfigCount(store, PathTo(2, 1, 101)), 1);
+
+    // Another case names another file here: the open one is saved before the switch.
+    store.AddConfig(PathTo(2, 1, 101), id);
+    host.dir.Write(L"main.xml", before);
+    ASSERT_TRUE(store.ReLoad(host.dir.File(L"main.xml")));
+    EXPECT_NE(host.dir.Read(file), before) << "Main.xml was saved first";
+    ASSERT_TRUE(store.ReLoad(file));
     host.messages.Clear();
 
     store.AddConfig(PathTo(2, 1, 101), id);
@@ -166,7 +173,6 @@ TEST(XmlStore, ReloadSavesFirstOnlyForAnotherFile) {
     EXPECT_EQ(m.caption, L"Quorvel");
     EXPECT_EQ(m.flags, 73776u);
     EXPECT_EQ(store.GetFilePath(), file);
-    EXPECT_NE(host.dir.Read(file), before) << "the open file was saved before the test";
     EXPECT_EQ(ConfigCount(store, PathTo(2, 1, 101)), 3) << "the tree is kept";
 }
 
