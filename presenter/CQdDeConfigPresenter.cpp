@@ -17,7 +17,7 @@ const wchar_t* const kIniKey = L"ConfigName";
 const wchar_t* const kDefaultConfigName = L"DefaultConfig";
 const wchar_t* const kMismatchText =
     L"\u6587\u4EF6\u529F\u80FD\u4E0D\u5339\u914D"; // 文件功能不匹配
-constexpr int kNameBufferSize = 100;
+constexpr int kNameBufferSize = CQdDeConfigPresenter::kMaxConfigNameLength + 1;
 } // namespace
 
 CQdDeConfigPresenter::CQdDeConfigPresenter(const CString& file) {
@@ -59,10 +59,28 @@ CString CQdDeConfigPresenter::IniPath() {
     return folder + L"/SysRegedit.ini";
 }
 
-CString CQdDeConfigPresenter::GetCurConfig() {
+CString CQdDeConfigPresenter::RecordedCurConfig() {
     CString name;
     GetPrivateProfileStringW(kIniSection, kIniKey, L"", name, kNameBufferSize, IniPath());
-    return name.IsEmpty() ? CString(kDefaultConfigName) : name;
+    return name;
+}
+
+bool CQdDeConfigPresenter::IsConfigName(const CString& name) {
+    if (name.IsEmpty() || name.GetLength() > kMaxConfigNameLength || name == L"." || name == L"..")
+        return false;
+    for (int i = 0; i < name.GetLength(); ++i) {
+        const wchar_t ch = name[i];
+        if (ch == L'/' || ch == L'\\' || ch < 0x20 || ch == 0x7F)
+            return false;
+    }
+    return true;
+}
+
+// The record names a file of the configuration folder; a name that would reach outside it
+// (a separator, "..") is not taken.
+CString CQdDeConfigPresenter::GetCurConfig() {
+    CString name = RecordedCurConfig();
+    return IsConfigName(name) ? name : CString(kDefaultConfigName);
 }
 
 void CQdDeConfigPresenter::SetCurConfig(const CString& name) {

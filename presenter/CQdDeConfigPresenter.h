@@ -24,8 +24,15 @@ public:
     // The assigned presenter shares the other's stores.
     CQdDeConfigPresenter& operator=(const CQdDeConfigPresenter&) = default;
 
-    // The current configuration's name, read from the ini record each time.
+    // The current configuration's name, read from the ini record each time. A recorded name
+    // that is no bare file name (see IsConfigName) gives the default name instead.
     CString GetCurConfig();
+    // The name as the record holds it, whatever it is; empty when there is none.
+    static CString RecordedCurConfig();
+    // A configuration name is a bare file name: not empty, no "/" or "\", not "." or "..", no
+    // control characters, and short enough for the record to hold it whole.
+    static bool IsConfigName(const CString& name);
+    static constexpr int kMaxConfigNameLength = 99;
     // The full path that the current name means, making the configuration folder if needed.
     CString GetCurConfigDetailPath();
 

@@ -6,8 +6,16 @@
 #include <cstdio>
 
 CQdDeConfigPresenter& CliContext::Presenter() {
-    if (!m_presenter)
+    if (!m_presenter) {
+        const CString recorded = CQdDeConfigPresenter::RecordedCurConfig();
+        if (m_options.file.IsEmpty() && !recorded.IsEmpty() &&
+            !CQdDeConfigPresenter::IsConfigName(recorded))
+            std::fprintf(stderr,
+                         "koqdde: the project's SysRegedit.ini names \"%s\" as the current "
+                         "configuration, which is no file name; DefaultConfig is used\n",
+                         ToUtf8(recorded).c_str());
         m_presenter = std::make_unique<CQdDeConfigPresenter>(m_options.file);
+    }
     return *m_presenter;
 }
 

@@ -2,6 +2,8 @@
 #include "Cli.h"
 #include "Json.h"
 
+#include "platform/FileSystem.h"
+
 namespace {
 
 int Report(CliContext& ctx, bool ok, const CString& file) {
@@ -17,13 +19,29 @@ CString OneFile(const std::vector<std::string>& raw, const char* command) {
     return Arg(args[0]);
 }
 
+// A file that becomes the current configuration is recorded by its bare name, which the
+// record must hold whole.
+CString CurrentCandidate(const std::vector<std::string>& raw, const char* command) {
+    CString file = OneFile(raw, command);
+    CString name = FileNameOf(file);
+    int dot = name.ReverseFind(L'.');
+    if (dot > 0)
+        name = name.Left(dot);
+    if (!CQdDeConfigPresenter::IsConfigName(name))
+        throw UsageError("\"" + ToUtf8(name) + "\" can't be recorded as the current " +
+                         "configuration: a name has at most " +
+                         std::to_string(CQdDeConfigPresenter::kMaxConfigNameLength) +
+                         " characters and no control characters");
+    return file;
+}
+
 int Open(CliContext& ctx, const std::vector<std::string>& args) {
-    CString file = OneFile(args, "open");
+    CString file = CurrentCandidate(args, "open");
     return Report(ctx, ctx.Presenter().ReLoad(file), file);
 }
 
 int New(CliContext& ctx, const std::vector<std::string>& args) {
-    CString file = OneFile(args, "new");
+    CString file = CurrentCandidate(args, "new");
     return Report(ctx, ctx.Presenter().NewFile(file), file);
 }
 
@@ -33,7 +51,7 @@ int SaveAs(CliContext& ctx, const std::vector<std::string>& args) {
 }
 
 int Refresh(CliContext& ctx, const std::vector<std::string>& args) {
-    CString file = OneFile(args, "refresh");
+    CString file = CurrentCandidate(args, "refresh");
     CString error;
     bool ok = RefreshAutoConfig(error, file);
     if (ctx.Options().json) {

@@ -297,3 +297,17 @@ TEST_F(Cli, LibrariesAreSearchedAndTheirItemsAppliedWithTheDialogsNumbering) {
                                 "code={A3D95C12-7E48-4B06-8F1C-5D2E90B7A4E3} formula=L annex=是"))
         << listed.out;
 }
+
+TEST_F(Cli, ARecordedNameThatIsNoFileNameIsNotFollowedAndALongOneNotRecorded) {
+    dir.Write(L"pack/project/SysRegedit.ini", "[QdDeConfigInfo]\r\nConfigName=../../escape\r\n");
+    Result current = Run({"--config-dir", Path("cfg"), "current"}, false);
+    EXPECT_EQ(current.status, 0);
+    EXPECT_TRUE(Has(current.out, "/cfg/自动套配置/DefaultConfig.xml")) << current.out;
+    EXPECT_TRUE(Has(current.err, "\"../../escape\"")) << current.err;
+    EXPECT_FALSE(std::filesystem::exists(Path("escape.xml")));
+
+    Result longName =
+        Run({"--config-dir", Path("cfg"), "new", Path(std::string(120, 'x') + ".xml")}, false);
+    EXPECT_EQ(longName.status, 2);
+    EXPECT_TRUE(Has(longName.err, "at most 99 characters")) << longName.err;
+}

@@ -89,6 +89,17 @@ TEST(PresenterFiles, RecordedNamesWithoutExtensionOrTooLong) {
 
     EXPECT_FALSE(presenter.ReLoad(host.dir.File(L"missing.xml")));
     EXPECT_EQ(presenter.GetCurConfig(), longName.Left(99)) << "a failed load records nothing";
+
+    // A record that is no bare file name is not followed out of the configuration folder.
+    for (const wchar_t* name : {L"../../escape", L"sub/x", L"sub\\x", L"..", L"tab\tname"}) {
+        WritePrivateProfileStringW(L"QdDeConfigInfo", L"ConfigName", name, ini);
+        EXPECT_EQ(presenter.GetCurConfig(), L"DefaultConfig") << ToUtf8(CString(name));
+    }
+    WritePrivateProfileStringW(L"QdDeConfigInfo", L"ConfigName", L"../../escape", ini);
+    CQdDeConfigPresenter current;
+    EXPECT_EQ(current.GetData()->GetFilePath(),
+              host.ConfigDir() + L"/自动套配置/DefaultConfig.xml");
+    EXPECT_FALSE(PathExists(host.dir.File(L"escape.xml")));
 }
 
 TEST(PresenterFiles, ProjectPathWithoutSeparatorRecordsAtTheRoot) {
