@@ -91,10 +91,14 @@ CString CQdDeConfigPresenter::GetCurConfigDetailPath() {
     return ConfigFolder() + L"/" + GetCurConfig() + L".xml";
 }
 
-void CQdDeConfigPresenter::RecordCurrent(const CString& file) {
+CString CQdDeConfigPresenter::ConfigNameOf(const CString& file) {
     CString name = FileNameOf(file);
     int dot = name.ReverseFind(L'.');
-    SetCurConfig(dot >= 0 ? name.Left(dot) : CString());
+    return dot >= 0 ? name.Left(dot) : CString();
+}
+
+void CQdDeConfigPresenter::RecordCurrent(const CString& file) {
+    SetCurConfig(ConfigNameOf(file));
 }
 
 bool CQdDeConfigPresenter::ReLoad(const CString& file) {

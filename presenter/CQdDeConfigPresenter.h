@@ -33,6 +33,9 @@ public:
     // control characters, and short enough for the record to hold it whole.
     static bool IsConfigName(const CString& name);
     static constexpr int kMaxConfigNameLength = 99;
+    // The name a file is recorded under when it becomes current: its bare name up to the last
+    // full stop; empty without one.
+    static CString ConfigNameOf(const CString& file);
     // The full path that the current name means, making the configuration folder if needed.
     CString GetCurConfigDetailPath();
 

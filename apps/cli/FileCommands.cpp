@@ -2,8 +2,6 @@
 #include "Cli.h"
 #include "Json.h"
 
-#include "platform/FileSystem.h"
-
 namespace {
 
 int Report(CliContext& ctx, bool ok, const CString& file) {
@@ -23,11 +21,9 @@ CString OneFile(const std::vector<std::string>& raw, const char* command) {
 // record must hold whole.
 CString CurrentCandidate(const std::vector<std::string>& raw, const char* command) {
     CString file = OneFile(raw, command);
-    CString name = FileNameOf(file);
-    int dot = name.ReverseFind(L'.');
-    if (dot > 0)
-        name = name.Left(dot);
-    if (!CQdDeConfigPresenter::IsConfigName(name))
+    const CString name = CQdDeConfigPresenter::ConfigNameOf(file);
+    // An empty name is recorded as none, which means the default: the store allows that.
+    if (!name.IsEmpty() && !CQdDeConfigPresenter::IsConfigName(name))
         throw UsageError("\"" + ToUtf8(name) + "\" can't be recorded as the current " +
                          "configuration: a name has at most " +
                          std::to_string(CQdDeConfigPresenter::kMaxConfigNameLength) +

@@ -132,20 +132,15 @@ int Lib(CliContext& ctx, const std::vector<std::string>& raw) {
 }
 
 // "专业\大类\小类" of a resolved category, as the calculation rules name it.
-CString SmallCategoryPath(CliContext& ctx, const CPath& path) {
-    const Spec& spec = ctx.Tree();
-    for (LMember* large : spec.GetAllLMember())
-        if (large->GetId() == path.LMemberId)
-            for (SMember* small : large->GetAllSMember())
-                if (small->GetId() == path.SMemberId)
-                    return spec.GetSpecName() + L"\\" + large->GetName() + L"\\" + small->GetName();
-    return CString();
+CString SmallCategoryPath(CliContext& ctx, const SMember& small) {
+    const auto* large = static_cast<const LMember*>(small.GetParent());
+    return ctx.Tree().GetSpecName() + L"\\" + large->GetName() + L"\\" + small.GetName();
 }
 
-void FillDefaultFormula(CliContext& ctx, const CPath& path, CString& formula) {
+void FillDefaultFormula(CliContext& ctx, const SMember& small, CString& formula) {
     if (!formula.IsEmpty())
         return;
-    const CString category = SmallCategoryPath(ctx, path);
+    const CString category = SmallCategoryPath(ctx, small);
     if (!DefaultFormulaOf(category, formula))
         std::fprintf(stderr,
                      "koqdde: 计算规则不对应! (%s has no calculation item); the item gets no "
@@ -219,7 +214,8 @@ int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
     const std::string kind = args.positional.empty() ? "" : args.positional[0];
     if ((kind != "bill" && kind != "quota") || args.positional.size() != 4)
         throw UsageError("usage: apply bill|quota CATEGORY CONFIG-ID NUMBER [options]");
-    CPath path = ctx.ResolveCategory(Arg(args.positional[1]));
+    const SMember* small = nullptr;
+    CPath path = ctx.ResolveCategory(Arg(args.positional[1]), &small);
     path.ConfigId = ParseId(args.positional[2], "CONFIG-ID");
     ConfigNode* config = ctx.Presenter().GetConfig(path);
     if (!config)
@@ -236,16 +232,13 @@ int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
             throw UsageError("--qd is for quotas");
         if (args.values.count("--existing") && args.values.count("--suffix"))
             throw UsageError("give --existing or --suffix, not both");
-        LibraryItem item = FindItem(OpenLibrary(false), args.positional[3], false);
-        SQdInfo info;
-        if (!IBillLib::GetQdInfo(item.number, info))
-            throw UsageError("no bill \"" + args.positional[3] + "\" in the bill library");
+        const SQdInfo info = ToBillInfo(FindItem(OpenLibrary(false), args.positional[3], false));
         std::vector<CString> inConfig;
         for (QdNode* qd : config->GetQd())
             inConfig.push_back(qd->m_qd.strQdId);
         const CString number = SettleBillNumber(info.strQdNum, args, inConfig);
         QdStruct qd = QdFromLibrary(info, number, att.GetQdCode());
-        FillDefaultFormula(ctx, path, qd.strFormula);
+        FillDefaultFormula(ctx, *small, qd.strFormula);
         const bool ok = ctx.Presenter().AddQd(qd, path, configs);
         if (ok && !ctx.Options().json)
             std::fprintf(stderr, "koqdde: bill %s %s\n", ToUtf8(number).c_str(),
@@ -268,7 +261,7 @@ int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
     }
     LibraryItem item = FindItem(OpenLibrary(true), args.positional[3], true);
     DeStruct de = DeFromLibrary(ToQuotaPick(item), billMode ? att.GetQdDeCode() : att.GetDeCode());
-    FillDefaultFormula(ctx, path, de.strFormula);
+    FillDefaultFormula(ctx, *small, de.strFormula);
     const bool ok = billMode ? ctx.Presenter().AddDe2QdNode(de, path, configs)
                              : ctx.Presenter().AddDe2ConfigNode(de, path, configs);
     const int id = owner ? owner->GetLastDeId() : config->GetLastDeId();

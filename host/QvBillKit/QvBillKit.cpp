@@ -13,7 +13,7 @@ int RuleValue(const SqliteDb& db, const wchar_t* key) {
 } // namespace
 
 bool BillLibrary::Open(const std::vector<CString>& files, const CString& code) {
-    return OpenLibraryWith(files, L"code", code, m_db);
+    return m_items.Open(files, code) && m_items.HoldsBills();
 }
 
 bool BillLibrary::OpenProjectLibrary() {
@@ -22,32 +22,21 @@ bool BillLibrary::OpenProjectLibrary() {
 }
 
 bool BillLibrary::Find(const CString& number, SQdInfo& info) const {
-    SqliteQuery query(m_db, "SELECT rowid, unit_coefficient, annex, number, name, unit, formula, "
-                            "feature, work FROM bill WHERE number = ?");
-    query.Bind(1, number);
-    if (!query.Step())
+    LibraryItem item;
+    if (!m_items.Find(number, item))
         return false;
-    info.nId = query.Int(0);
-    info.nUnitCoef = query.Int(1);
-    info.nAnnex = query.Int(2);
-    info.strQdNum = query.Text(3);
-    info.strName = query.Text(4);
-    info.strUnit = query.Text(5);
-    info.strFormula = query.Text(6);
-    info.strFeature = query.Text(7);
-    info.strWork = query.Text(8);
+    info = ToBillInfo(item);
     return true;
 }
 
 bool BillLibrary::Contains(const CString& number) const {
-    SqliteQuery query(m_db, "SELECT 1 FROM bill WHERE number = ?");
-    query.Bind(1, number);
-    return query.Step();
+    LibraryItem item;
+    return m_items.Find(number, item);
 }
 
 void BillLibrary::EncodingRule(int& codeLength, int& suffixLength) const {
-    codeLength = RuleValue(m_db, L"code_len");
-    suffixLength = RuleValue(m_db, L"suffix_len");
+    codeLength = RuleValue(m_items.Database(), L"code_len");
+    suffixLength = RuleValue(m_items.Database(), L"suffix_len");
 }
 
 CString BillLibrary::IndexPath(const CString& treePath) const {
@@ -56,7 +45,8 @@ CString BillLibrary::IndexPath(const CString& treePath) const {
     CString key = treePath;
     while (key.GetLength() > 0 && key[key.GetLength() - 1] == L'\\')
         key = key.Left(key.GetLength() - 1);
-    SqliteQuery query(m_db, "SELECT chapter_path FROM index_path WHERE tree_path = ?");
+    SqliteQuery query(m_items.Database(),
+                      "SELECT chapter_path FROM index_path WHERE tree_path = ?");
     query.Bind(1, key);
     return query.Step() ? query.Text(0) : CString();
 }
@@ -76,4 +66,29 @@ void IBillLib::GetEnCodeRule(int& codeLength, int& suffixLength) {
 bool IBillLib::IsInQdk(const CString& number) {
     BillLibrary library;
     return library.OpenProjectLibrary() && library.Contains(number);
+}
+
+SQdInfo ToBillInfo(const LibraryItem& item) {
+    SQdInfo info;
+    info.nId = item.rowId;
+    info.nUnitCoef = item.unitCoefficient;
+    info.nAnnex = item.annex;
+    info.strQdNum = item.number;
+    info.strName = item.name;
+    info.strUnit = item.unit;
+    info.strFormula = item.formula;
+    info.strFeature = item.feature;
+    info.strWork = item.work;
+    return info;
+}
+
+SDeInfo ToQuotaPick(const LibraryItem& item) {
+    SDeInfo pick;
+    pick.nUnitCoef = item.unitCoefficient;
+    pick.nAnnex = item.annex;
+    pick.strDeNum = item.number;
+    pick.strName = item.name;
+    pick.strUnit = item.unit;
+    pick.strFormula = item.formula;
+    return pick;
 }

@@ -2,7 +2,7 @@
 // Stand-in for the host's bill library kit: the project's bill library (the one whose code
 // the project names), answered from its database among the installed host data's libraries.
 
-#include "host/sqlite/Sqlite.h"
+#include "host/sqlite/ItemLibrary.h"
 #include "platform/CString.h"
 
 #include <vector>
@@ -40,7 +40,12 @@ public:
     static bool IsInQdk(const CString& number);
 };
 
-// One bill library database.
+// An item of a library as the kit's records: a bill as the bill kit gives it, a quota as the
+// pickers hand it over.
+SQdInfo ToBillInfo(const LibraryItem& item);
+SDeInfo ToQuotaPick(const LibraryItem& item);
+
+// One bill library database, read through the library browser.
 class BillLibrary {
 public:
     // Opens the bill library with this code among files; false when there is none.
@@ -56,5 +61,5 @@ public:
     CString IndexPath(const CString& treePath) const;
 
 private:
-    SqliteDb m_db;
+    ItemLibrary m_items;
 };

@@ -225,28 +225,3 @@ std::vector<LibraryItem> ItemLibrary::QuotasOfBill(const CString& billNumber) co
     query.Bind(1, billNumber);
     return ReadItems(query);
 }
-
-SQdInfo ToBillInfo(const LibraryItem& item) {
-    SQdInfo info;
-    info.nId = item.rowId;
-    info.nUnitCoef = item.unitCoefficient;
-    info.nAnnex = item.annex;
-    info.strQdNum = item.number;
-    info.strName = item.name;
-    info.strUnit = item.unit;
-    info.strFormula = item.formula;
-    info.strFeature = item.feature;
-    info.strWork = item.work;
-    return info;
-}
-
-SDeInfo ToQuotaPick(const LibraryItem& item) {
-    SDeInfo pick;
-    pick.nUnitCoef = item.unitCoefficient;
-    pick.nAnnex = item.annex;
-    pick.strDeNum = item.number;
-    pick.strName = item.name;
-    pick.strUnit = item.unit;
-    pick.strFormula = item.formula;
-    return pick;
-}

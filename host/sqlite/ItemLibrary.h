@@ -2,7 +2,6 @@
 // One bill or quota library database as the pickers browse it: the chapter tree, the items of
 // a chapter, a search by number or name, the quotas linked to a bill, an item by number.
 
-#include "host/QvBillKit/QvBillKit.h"
 #include "host/sqlite/Sqlite.h"
 #include "platform/CString.h"
 
@@ -44,6 +43,8 @@ public:
     // says which items it holds. False when none has the code.
     bool Open(const std::vector<CString>& files, const CString& code);
     bool IsOpen() const { return m_db.IsOpen(); }
+    // The open database, for the facts of its "library" table and its other tables.
+    const SqliteDb& Database() const { return m_db; }
     bool HoldsBills() const { return m_table == "bill"; }
     CString Name() const { return m_name; }
 
@@ -81,7 +82,3 @@ private:
     std::vector<LibraryChapter> m_chapters;
     std::map<int, std::size_t> m_chapterIndex; // chapter id -> place in m_chapters
 };
-
-// An item as the pickers hand it over: a bill as the bill kit's record, a quota as a pick.
-SQdInfo ToBillInfo(const LibraryItem& item);
-SDeInfo ToQuotaPick(const LibraryItem& item);
