@@ -28,7 +28,7 @@ public:
     operator const wchar_t*() const { return m_s.c_str(); }
     const std::wstring& str() const { return m_s; }
 
-    // Out-of-range counts are clamped, as the original class does.
+    // Out-of-range counts are clamped, never refused: callers pass lengths unchecked.
     CString Left(int count) const;
     CString Right(int count) const;
     CString Mid(int first) const;
