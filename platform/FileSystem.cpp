@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <string>
@@ -47,6 +50,50 @@ bool IsSeparator(wchar_t c) {
 
 int LastSeparator(const CString& path) {
     return std::max(path.ReverseFind(L'/'), path.ReverseFind(L'\\'));
+}
+
+// Follows a chain of symbolic links to the file at its end (which may not exist). Relative
+// links are taken from the folder of the link. A loop gives up after as many hops as the
+// kernel allows and leaves the last link, so the write fails there rather than spinning.
+fs::path FollowLinks(fs::path path) {
+    std::error_code ec;
+    for (int hop = 0; hop < 40; ++hop) {
+        if (!fs::is_symlink(fs::symlink_status(path, ec)))
+            return path;
+        fs::path next = fs::read_symlink(path, ec);
+        if (ec)
+            return path;
+        path = next.is_absolute() ? next : path.parent_path() / next;
+    }
+    return path;
+}
+
+// Temporary files of a save are named after the target, so that a later save can find those
+// a killed one left: "." + name + ".tmp-" + writer's process id + "-" + counter.
+std::string TempPrefix(const fs::path& target) {
+    return "." + target.filename().string() + ".tmp-";
+}
+
+// Removes the temporary files of the target whose writer no longer runs. Those of a writer
+// still running are left alone: it may be about to rename one.
+void RemoveStaleTemporaries(const fs::path& folder, const std::string& prefix) {
+    std::error_code ec;
+    const fs::path where = folder.empty() ? fs::path(".") : folder;
+    std::vector<fs::path> stale;
+    for (fs::directory_iterator it(where, ec), end; !ec && it != end; it.increment(ec)) {
+        const std::string name = it->path().filename().string();
+        if (!name.starts_with(prefix))
+            continue;
+        const std::string rest = name.substr(prefix.size());
+        char* after = nullptr;
+        const long pid = std::strtol(rest.c_str(), &after, 10);
+        if (pid <= 0 || after == rest.c_str() || *after != '-')
+            continue;
+        if (pid != ::getpid() && ::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH)
+            stale.push_back(it->path());
+    }
+    for (const fs::path& file : stale)
+        fs::remove(file, ec);
 }
 
 } // namespace
@@ -109,55 +156,133 @@ bool CopyTree(const CString& from, const CString& to) {
     return true;
 }
 
-std::optional<std::string> ReadFileBytes(const CString& path) {
-    FILE* f = std::fopen(ToUtf8(path).c_str(), "rb");
-    if (!f)
-        return std::nullopt;
-    std::string bytes;
-    char buf[65536];
-    size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, f)) > 0)
-        bytes.append(buf, n);
-    // A folder opens fine but fails to read.
-    bool failed = std::ferror(f) != 0;
-    std::fclose(f);
-    if (failed)
-        return std::nullopt;
-    return bytes;
+std::string FileBytes::Reason() const {
+    switch (failure) {
+    case ReadFailure::None:
+        return {};
+    case ReadFailure::Missing:
+        return "no such file";
+    case ReadFailure::NotAFile:
+        return "not a regular file (a folder, a pipe or a device)";
+    case ReadFailure::TooLarge:
+        return "the file is too large";
+    case ReadFailure::NoPermission:
+        return "no read permission";
+    case ReadFailure::IoError:
+        break;
+    }
+    return "the file can't be read";
 }
 
-bool WriteFileAtomically(const CString& path, std::string_view bytes) {
-    fs::path target = NativePath(path);
-    if (target.filename().empty())
+FileBytes ReadRegularFile(const CString& path, std::uint64_t maxBytes) {
+    FileBytes out;
+    // Non-blocking, so that opening a FIFO does not wait for a writer; a regular file reads
+    // the same either way.
+    int fd = ::open(ToUtf8(path).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        out.failure = errno == ENOENT || errno == ENOTDIR ? ReadFailure::Missing
+                      : errno == EACCES                   ? ReadFailure::NoPermission
+                                                          : ReadFailure::IoError;
+        return out;
+    }
+    struct stat st {};
+    if (::fstat(fd, &st) != 0)
+        out.failure = ReadFailure::IoError;
+    else if (!S_ISREG(st.st_mode))
+        out.failure = ReadFailure::NotAFile;
+    else if (static_cast<std::uint64_t>(st.st_size) > maxBytes)
+        out.failure = ReadFailure::TooLarge;
+    if (out.failure == ReadFailure::None) {
+        // Sized once from the file's length; a file that grows meanwhile reads on past it.
+        out.bytes.resize(static_cast<size_t>(st.st_size));
+        size_t have = 0;
+        for (;;) {
+            if (have == out.bytes.size())
+                out.bytes.resize(have + 65536);
+            ssize_t n = ::read(fd, out.bytes.data() + have, out.bytes.size() - have);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n < 0) {
+                out.failure = ReadFailure::IoError;
+                break;
+            }
+            if (n == 0)
+                break;
+            have += static_cast<size_t>(n);
+            if (have > maxBytes) {
+                out.failure = ReadFailure::TooLarge;
+                break;
+            }
+        }
+        out.bytes.resize(out.failure == ReadFailure::None ? have : 0);
+    }
+    ::close(fd);
+    return out;
+}
+
+std::optional<std::string> ReadFileBytes(const CString& path) {
+    FileBytes read = ReadRegularFile(path);
+    if (!read)
+        return std::nullopt;
+    return std::move(read.bytes);
+}
+
+CString ResolveLinks(const CString& path) {
+    return FromUtf8(FollowLinks(NativePath(path)).string());
+}
+
+bool WriteFileAtomically(const CString& path, std::string_view bytes, std::string* why) {
+    auto fail = [why](std::string reason) {
+        if (why)
+            *why = std::move(reason);
         return false;
-    fs::path folder = target.parent_path();
+    };
+    if (NativePath(path).filename().empty())
+        return fail("not a file name");
+    // The link stays; the file it leads to is the one replaced.
+    const fs::path target = FollowLinks(NativePath(path));
+    const fs::path folder = target.parent_path();
+    struct stat old {};
+    const bool replacing = ::stat(target.c_str(), &old) == 0;
+    if (replacing && !S_ISREG(old.st_mode))
+        return fail("not a regular file");
+    // The rename needs only the folder's permission; the file's own is the user's word.
+    if (replacing && ::access(target.c_str(), W_OK) != 0)
+        return fail(std::strerror(errno));
+
     // Created with O_EXCL under a name of our own rather than by mkstemp, so the new file
     // gets the usual mode (0666 less the umask) without touching the process umask.
     static std::atomic<unsigned> counter{0};
+    const std::string prefix = TempPrefix(target);
     std::string temp;
     int fd = -1;
     for (int attempt = 0; fd < 0 && attempt < 100; ++attempt) {
-        temp = (folder / ("." + target.filename().string() + ".tmp-" + std::to_string(::getpid()) +
-                          "-" + std::to_string(counter++)))
+        temp = (folder / (prefix + std::to_string(::getpid()) + "-" + std::to_string(counter++)))
                    .string();
         fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (fd < 0 && errno != EEXIST)
-            return false;
+            return fail(std::strerror(errno));
     }
     if (fd < 0)
-        return false;
+        return fail("no free temporary name");
     // Replacing a file keeps its permissions.
-    struct stat old {};
-    bool keepMode = ::stat(target.c_str(), &old) == 0;
-    bool ok = (!keepMode || ::fchmod(fd, old.st_mode & 07777) == 0) && WriteAll(fd, bytes) &&
+    bool ok = (!replacing || ::fchmod(fd, old.st_mode & 07777) == 0) && WriteAll(fd, bytes) &&
               ::fsync(fd) == 0;
-    ok = ::close(fd) == 0 && ok;
-    ok = ok && ::rename(temp.c_str(), target.c_str()) == 0;
+    int error = ok ? 0 : errno;
+    if (::close(fd) != 0 && ok) {
+        ok = false;
+        error = errno;
+    }
+    if (ok && ::rename(temp.c_str(), target.c_str()) != 0) {
+        ok = false;
+        error = errno;
+    }
     if (!ok) {
         ::unlink(temp.c_str());
-        return false;
+        return fail(std::strerror(error));
     }
     SyncFolder(folder);
+    RemoveStaleTemporaries(folder, prefix);
     return true;
 }
 

@@ -3,6 +3,7 @@
 
 #include "platform/CString.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,11 +24,34 @@ bool CopyTree(const CString& from, const CString& to);
 // (device and inode) when both exist, else the same normalised absolute path, with case.
 bool IsSameFile(const CString& a, const CString& b);
 
-// Whole-file reading; nothing when the file can't be opened.
+// Why a whole-file read gave nothing.
+enum class ReadFailure { None, Missing, NotAFile, TooLarge, NoPermission, IoError };
+
+struct FileBytes {
+    std::string bytes;
+    ReadFailure failure = ReadFailure::None;
+
+    explicit operator bool() const { return failure == ReadFailure::None; }
+    // A short English reason for a failure ("no read permission"), "" when there is none.
+    std::string Reason() const;
+};
+
+// Reads a regular file whole. What is not one (a folder, a FIFO, a device) is refused at once,
+// without waiting for a writer on a FIFO, and a file larger than maxBytes before it is read.
+FileBytes ReadRegularFile(const CString& path, std::uint64_t maxBytes = UINT64_MAX);
+// Whole-file reading as ReadRegularFile; nothing when the file can't be read.
 std::optional<std::string> ReadFileBytes(const CString& path);
+
 // Replaces the file atomically: temporary file in the same folder, flush, fsync, rename.
-// On failure the old file is untouched and the temporary file removed.
-bool WriteFileAtomically(const CString& path, std::string_view bytes);
+// A symbolic link stays a link: the file at the end of its chain is replaced (and created
+// when the link dangles). A file the user may not write, or that is not a regular file, is
+// not replaced. Temporary files that killed writers left beside the file are removed.
+// On failure the old file is untouched, the temporary file removed, and `why` (when given)
+// says what went wrong.
+bool WriteFileAtomically(const CString& path, std::string_view bytes, std::string* why = nullptr);
+// The file a path names once symbolic links are followed; the path itself when it is no link.
+// A dangling link gives the path it points to.
+CString ResolveLinks(const CString& path);
 
 // The part after the last separator ("/", and "\\" for paths written on Windows).
 CString FileNameOf(const CString& path);

@@ -119,13 +119,15 @@ std::optional<std::string> Utf8ToLegacy(std::string_view utf8, const std::string
     std::string out;
     out.reserve(utf8.size());
     while (ConvertRun(cd.Get(), in, inLeft, out) != 0) {
+        if (!fallback)
+            return std::nullopt;
         // iconv stopped at a character the target can't hold (or at bytes that are not
         // UTF-8): substitute it and carry on after it.
         char32_t cp = 0xFFFD;
         size_t len = DecodeUtf8(std::string_view(in, inLeft), cp);
         if (len == 0)
             len = 1;
-        out += fallback ? fallback(cp) : std::string("?");
+        out += fallback(cp);
         in += len;
         inLeft -= len;
     }

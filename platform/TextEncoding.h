@@ -23,8 +23,9 @@ TextEncoding DetectBom(std::string_view bytes);
 std::optional<std::string> LegacyToUtf8(std::string_view bytes, const std::string& encoding);
 
 // Encodes UTF-8 into a legacy encoding. A character the encoding can't hold is handed to
-// `fallback` (code point) and whatever it returns (ASCII) is written instead. Returns nothing
-// when iconv lacks the encoding.
+// `fallback` (code point) and whatever it returns (ASCII) is written instead; without a
+// fallback the conversion fails. Returns nothing when iconv lacks the encoding or, without a
+// fallback, when a character can't be held.
 std::optional<std::string> Utf8ToLegacy(std::string_view utf8, const std::string& encoding,
                                         std::string (*fallback)(char32_t));
 

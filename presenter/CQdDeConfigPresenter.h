@@ -26,7 +26,7 @@ public:
 
     // The current configuration's name, read from the ini record each time. A recorded name
     // that is no bare file name (see IsConfigName) gives the default name instead.
-    CString GetCurConfig();
+    static CString GetCurConfig();
     // The name as the record holds it, whatever it is; empty when there is none.
     static CString RecordedCurConfig();
     // A configuration name is a bare file name: not empty, no "/" or "\", not "." or "..", no

@@ -35,6 +35,11 @@ XmlNode AddSpecNode(XmlNode root, const CString& specName) {
     return element;
 }
 
+std::string OtherRootError(const CString& file, const XmlDocPtr& doc) {
+    return ToUtf8(file) + ": the document element is <" + doc->DocumentElement().name() +
+           ">, not <" + ToUtf8(CString(kConfigRootName)) + ">";
+}
+
 } // namespace
 
 XmlNode GetOrCreateRoot(const XmlDocPtr& doc, const CString& rootName) {
@@ -77,9 +82,13 @@ CXmlQdDeConfig::CXmlQdDeConfig(const CString& file, const CString& specName)
     m_spec.SetSpecName(specName);
     XmlDocPtr doc = NewDocument();
     bool loaded = doc->Load(file);
+    if (!loaded && doc->LoadFailure() != XmlLoadFailure::Missing)
+        m_loadError = doc->LastError();
     XmlNode root = GetOrCreateRoot(doc, kConfigRootName);
-    if (!root)
+    if (!root) {
+        m_loadError = OtherRootError(file, doc);
         return;
+    }
     XmlNode specNode = FindOrCreateSpecNode(root, specName);
     if (!specNode)
         return;
@@ -94,7 +103,10 @@ bool CXmlQdDeConfig::Save() {
     if (!doc)
         return false;
     // A missing or corrupt file reads as empty: the save then holds the current specialty only.
-    doc->Load(m_strFile);
+    // A file that is there but can't be read is neither: replacing it would lose what the
+    // user can't see, so the save fails.
+    if (!doc->Load(m_strFile) && doc->LoadFailure() == XmlLoadFailure::Unreadable)
+        throw ComError(E_ACCESSDENIED, "cannot save " + doc->LastError());
     XmlNode root = GetOrCreateRoot(doc, kConfigRootName);
     if (!root)
         return false;
@@ -102,9 +114,15 @@ bool CXmlQdDeConfig::Save() {
     if (!specNode)
         return false;
     m_spec.WriteData(specNode);
-    if (!doc->Save(m_strFile))
-        throw ComError(E_FAIL, "cannot write " + ToUtf8(m_strFile));
-    QvKoXmlVertion::SetXmlVersion(VersionText(), m_strFile);
+    // The version goes into the same write as the tree, so that a save killed halfway leaves
+    // the old file or the new one and never a third state; the stamp below then finds it set.
+    const CString version = VersionText();
+    if (!version.IsEmpty())
+        XmlVisitor::addatt(root, L"Version", version);
+    std::string why;
+    if (!doc->Save(m_strFile, &why))
+        throw ComError(E_FAIL, "cannot write " + ToUtf8(m_strFile) + ": " + why);
+    QvKoXmlVertion::SetXmlVersion(version, m_strFile);
     return true;
 }
 
@@ -147,6 +165,7 @@ bool CXmlQdDeConfig::ReLoad(const CString& file) {
     m_spec.DeleteAllLMember();
     m_spec.ReadData(specNode);
     m_strFile = file;
+    m_loadError.clear();
     return true;
 }
 

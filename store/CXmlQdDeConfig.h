@@ -46,6 +46,10 @@ public:
 
     // The tree as the store holds it (for listing tools).
     const Spec& GetSpec() const { return m_spec; }
+    // Why the file the store is on did not load as a configuration when the store was opened
+    // or last reloaded; empty when it loaded or did not exist. The store goes on as its
+    // contract says; the tools around it use this to refuse or warn.
+    const std::string& LoadError() const { return m_loadError; }
 
 private:
     SMember* FindSMember(const CPath& path) const;
@@ -56,6 +60,7 @@ private:
     CString m_strFile;
     CString m_strSpec;
     Spec m_spec;
+    std::string m_loadError;
 };
 
 // The root element name of a configuration file.

@@ -2,8 +2,11 @@
 
 #include "platform/FileSystem.h"
 
+#include <algorithm>
 #include <cctype>
+#include <cstdint>
 #include <cstdio>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -71,6 +74,91 @@ std::string CheckCharacters(std::string_view text) {
     return {};
 }
 
+bool IsXmlChar(std::uint32_t cp) {
+    return cp == 0x9 || cp == 0xA || cp == 0xD || (cp >= 0x20 && cp <= 0xD7FF) ||
+           (cp >= 0xE000 && cp <= 0xFFFD) || (cp >= 0x10000 && cp <= 0x10FFFF);
+}
+
+// Empty when every character reference names a character XML allows; otherwise why not. The
+// parser turns "&#xFFFF;" into the character without asking, and a save would then write a
+// file no parser reads. Comments, CDATA sections and processing instructions hold no
+// references, only text that looks like them.
+std::string CheckReferences(std::string_view text) {
+    if (text.find("&#") == std::string_view::npos)
+        return {};
+    static constexpr std::pair<std::string_view, std::string_view> kLiteral[] = {
+        {"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
+    size_t at = 0;
+    while ((at = text.find_first_of("<&", at)) != std::string_view::npos) {
+        const std::string_view rest = text.substr(at);
+        if (rest[0] == '<') {
+            size_t skip = 1;
+            for (const auto& [open, close] : kLiteral) {
+                if (!rest.starts_with(open))
+                    continue;
+                const size_t end = rest.find(close, open.size());
+                if (end == std::string_view::npos)
+                    return {}; // the parser reports the unclosed section
+                skip = end + close.size();
+                break;
+            }
+            at += skip;
+            continue;
+        }
+        if (!rest.starts_with("&#")) {
+            ++at;
+            continue;
+        }
+        const bool hex = rest.size() > 2 && rest[2] == 'x';
+        size_t digitsEnd = hex ? 3 : 2;
+        std::uint32_t cp = 0;
+        while (digitsEnd < rest.size() && rest[digitsEnd] != ';') {
+            const char c = rest[digitsEnd];
+            int digit = -1;
+            if (c >= '0' && c <= '9')
+                digit = c - '0';
+            else if (hex && c >= 'a' && c <= 'f')
+                digit = c - 'a' + 10;
+            else if (hex && c >= 'A' && c <= 'F')
+                digit = c - 'A' + 10;
+            if (digit < 0)
+                return "malformed character reference" + AtOffset(at);
+            cp = std::min<std::uint32_t>(cp * (hex ? 16 : 10) + static_cast<unsigned>(digit),
+                                         0x110000);
+            ++digitsEnd;
+        }
+        if (digitsEnd >= rest.size() || digitsEnd == (hex ? 3u : 2u))
+            return "malformed character reference" + AtOffset(at);
+        if (!IsXmlChar(cp))
+            return "character reference " + std::string(rest.substr(0, digitsEnd + 1)) +
+                   " names a character XML does not allow" + AtOffset(at);
+        at += digitsEnd + 1;
+    }
+    return {};
+}
+
+// Empty when no element lies deeper than kMaxXmlDepth; otherwise why not. Walked without
+// recursion, since the point is to refuse a depth that would exhaust a stack.
+std::string CheckDepth(const pugi::xml_document& doc) {
+    unsigned depth = 1; // of `node`: the document's children are at level 1
+    pugi::xml_node node = doc.first_child();
+    while (node) {
+        if (node.first_child()) {
+            node = node.first_child();
+            if (++depth > kMaxXmlDepth)
+                return "elements are nested deeper than " + std::to_string(kMaxXmlDepth) +
+                       " levels";
+            continue;
+        }
+        while (node && !node.next_sibling() && depth > 1) {
+            node = node.parent();
+            --depth;
+        }
+        node = node.next_sibling();
+    }
+    return {};
+}
+
 // Empty when the nodes outside the document element are those XML permits there: the
 // declaration first of all, a document type before the element, comments, processing
 // instructions, and exactly one element.
@@ -111,34 +199,72 @@ std::string Upper(std::string text) {
     return text;
 }
 
-// The encoding named by a declaration at the very start of the bytes, or "".
-std::string DeclaredEncoding(std::string_view bytes) {
-    if (!bytes.starts_with("<?xml"))
-        return {};
-    const size_t end = bytes.substr(0, 1024).find("?>");
-    if (end == std::string_view::npos)
-        return {};
-    const std::string_view decl = bytes.substr(0, end);
-    size_t at = decl.find("encoding");
-    if (at == std::string_view::npos)
-        return {};
-    at += 8;
-    auto skipBlanks = [&] {
-        while (at < decl.size() && std::isspace(static_cast<unsigned char>(decl[at])))
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// The XML declaration at the start of a text, read as its grammar has it: "version" first,
+// then optionally "encoding", then optionally "standalone", each once and in that order. The
+// load takes the encoding from here and the save writes the declaration the parser kept, and
+// both must mean the same one.
+struct Declaration {
+    bool present = false;
+    std::string encoding; // as written; empty when the declaration names none
+    std::string error;    // why the declaration is malformed
+};
+
+Declaration ReadDeclaration(std::string_view text) {
+    Declaration out;
+    if (!text.starts_with("<?xml") || text.size() < 6 || (!IsBlank(text[5]) && text[5] != '?'))
+        return out;
+    out.present = true;
+    size_t at = 5;
+    static constexpr std::string_view kNames[] = {"version", "encoding", "standalone"};
+    size_t nextName = 0;
+    for (;;) {
+        const size_t blanks = at;
+        while (at < text.size() && IsBlank(text[at]))
             ++at;
-    };
-    skipBlanks();
-    if (at >= decl.size() || decl[at] != '=')
-        return {};
-    ++at;
-    skipBlanks();
-    if (at >= decl.size() || (decl[at] != '"' && decl[at] != '\''))
-        return {};
-    const char quote = decl[at++];
-    const size_t close = decl.find(quote, at);
-    if (close == std::string_view::npos)
-        return {};
-    return std::string(decl.substr(at, close - at));
+        if (text.substr(at).starts_with("?>"))
+            break;
+        size_t nameEnd = at;
+        while (nameEnd < text.size() && std::isalpha(static_cast<unsigned char>(text[nameEnd])))
+            ++nameEnd;
+        const std::string_view name = text.substr(at, nameEnd - at);
+        size_t which = nextName;
+        while (which < std::size(kNames) && kNames[which] != name)
+            ++which;
+        if (at == blanks || which == std::size(kNames) || (nextName == 0 && which != 0)) {
+            out.error = name.empty()
+                            ? "the XML declaration is not closed by \"?>\""
+                            : "the XML declaration can't hold \"" + std::string(name) + "\" there";
+            return out;
+        }
+        nextName = which + 1;
+        at = nameEnd;
+        while (at < text.size() && IsBlank(text[at]))
+            ++at;
+        if (at >= text.size() || text[at] != '=') {
+            out.error = "the XML declaration's \"" + std::string(name) + "\" has no value";
+            return out;
+        }
+        ++at;
+        while (at < text.size() && IsBlank(text[at]))
+            ++at;
+        const size_t close = at < text.size() && (text[at] == '"' || text[at] == '\'')
+                                 ? text.find(text[at], at + 1)
+                                 : std::string_view::npos;
+        if (close == std::string_view::npos) {
+            out.error = "the XML declaration's \"" + std::string(name) + "\" is not quoted";
+            return out;
+        }
+        if (which == 1)
+            out.encoding = std::string(text.substr(at + 1, close - at - 1));
+        at = close + 1;
+    }
+    if (nextName == 0)
+        out.error = "the XML declaration has no version";
+    return out;
 }
 
 std::string DeclaredEncoding(const pugi::xml_document& doc) {
@@ -192,9 +318,19 @@ Decoded DecodeFile(std::string bytes) {
         break;
     }
 
-    const std::string declared = DeclaredEncoding(body);
-    if (!IsLegacyChineseEncoding(declared)) {
+    const Declaration declaration = ReadDeclaration(body);
+    if (!declaration.error.empty()) {
+        out.error = declaration.error;
+        return out;
+    }
+    const std::string& declared = declaration.encoding;
+    if (declared.empty() || Upper(declared) == "UTF-8") {
         out.text = std::move(bytes);
+        return out;
+    }
+    if (!IsLegacyChineseEncoding(declared)) {
+        out.error = "the file declares the encoding \"" + declared +
+                    "\", which is not read here (UTF-8, UTF-16, GB2312, GBK and GB18030 are)";
         return out;
     }
     out.encoding = TextEncoding::Legacy;
@@ -215,10 +351,18 @@ public:
     std::string text;
 };
 
-// What a legacy encoding can't hold is written as a character reference, which any parser
-// reads back as the character itself.
-std::string CharacterReference(char32_t cp) {
-    return "&#x" + Hex(cp, 4) + ";";
+// Puts another encoding name into the declaration that starts the serialised text. False
+// when the text has no declaration naming an encoding.
+bool UpgradeDeclaration(std::string& text, std::string_view encoding) {
+    const Declaration declaration = ReadDeclaration(text);
+    if (!declaration.present || declaration.encoding.empty())
+        return false;
+    const size_t end = text.find("?>");
+    const size_t at = text.rfind(declaration.encoding, end);
+    if (at == std::string::npos)
+        return false;
+    text.replace(at, declaration.encoding.size(), encoding);
+    return true;
 }
 
 } // namespace
@@ -228,6 +372,7 @@ XmlDocument::~XmlDocument() = default;
 
 bool XmlDocument::Fail(std::string message) {
     m_doc.reset();
+    m_failure = XmlLoadFailure::Malformed;
     m_encoding = TextEncoding::Utf8;
     m_legacyName.clear();
     m_lastError = std::move(message);
@@ -239,24 +384,38 @@ bool XmlDocument::Parse(std::string_view utf8, TextEncoding encoding,
     m_doc.reset();
     if (std::string error = CheckCharacters(utf8); !error.empty())
         return Fail(std::move(error));
+    if (std::string error = CheckReferences(utf8); !error.empty())
+        return Fail(std::move(error));
+    if (std::string error = ReadDeclaration(utf8).error; !error.empty())
+        return Fail(std::move(error));
     const pugi::xml_parse_result result =
         m_doc.load_buffer(utf8.data(), utf8.size(), kParseOptions, pugi::encoding_utf8);
     if (!result)
         return Fail(result.description() + AtOffset(static_cast<size_t>(result.offset)));
     if (std::string error = CheckTopLevel(m_doc, utf8); !error.empty())
         return Fail(std::move(error));
+    if (std::string error = CheckDepth(m_doc); !error.empty())
+        return Fail(std::move(error));
     m_encoding = encoding;
     m_legacyName = legacyName;
     m_lastError.clear();
+    m_failure = XmlLoadFailure::None;
     return true;
 }
 
 bool XmlDocument::Load(const CString& path) {
     const std::string where = ToUtf8(path);
-    std::optional<std::string> bytes = ReadFileBytes(path);
-    if (!bytes)
-        return Fail(where + ": the file can't be read");
-    Decoded decoded = DecodeFile(std::move(*bytes));
+    FileBytes read = ReadRegularFile(path, kMaxXmlFileBytes);
+    if (!read) {
+        std::string reason = read.Reason();
+        if (read.failure == ReadFailure::TooLarge)
+            reason += " (more than " + std::to_string(kMaxXmlFileBytes >> 20) + " MiB)";
+        Fail(where + ": " + reason);
+        m_failure = read.failure == ReadFailure::Missing ? XmlLoadFailure::Missing
+                                                         : XmlLoadFailure::Unreadable;
+        return false;
+    }
+    Decoded decoded = DecodeFile(std::move(read.bytes));
     if (!decoded.error.empty())
         return Fail(where + ": " + decoded.error);
     if (!Parse(decoded.text, decoded.encoding, decoded.legacyName))
@@ -282,7 +441,7 @@ std::string XmlDocument::ToUtf8String() const {
     return std::move(writer.text);
 }
 
-bool XmlDocument::Save(const CString& path) const {
+bool XmlDocument::Save(const CString& path, std::string* why) const {
     TextEncoding encoding = m_encoding;
     std::string legacyName = m_legacyName;
     // A plain UTF-8 document whose declaration names a legacy encoding is written in it, so
@@ -295,11 +454,11 @@ bool XmlDocument::Save(const CString& path) const {
         }
     }
 
-    const std::string text = ToUtf8String();
+    std::string text = ToUtf8String();
     std::string bytes;
     switch (encoding) {
     case TextEncoding::Utf8:
-        bytes = text;
+        bytes = std::move(text);
         break;
     case TextEncoding::Utf8Bom:
         bytes = "\xEF\xBB\xBF" + text;
@@ -311,14 +470,22 @@ bool XmlDocument::Save(const CString& path) const {
         bytes = "\xFE\xFF" + SwapByteOrder(Utf8ToUtf16Le(text));
         break;
     case TextEncoding::Legacy: {
-        std::optional<std::string> encoded = Utf8ToLegacy(text, legacyName, CharacterReference);
-        if (!encoded)
+        std::optional<std::string> encoded = Utf8ToLegacy(text, legacyName, nullptr);
+        // A character the declared encoding lacks (GB2312 holds no "€") takes the file to
+        // GB18030, which holds every character and reads the old bytes the same. A character
+        // reference instead would be wrong where it lands in a name.
+        if (!encoded && UpgradeDeclaration(text, "GB18030"))
+            encoded = Utf8ToLegacy(text, "GB18030", nullptr);
+        if (!encoded) {
+            if (why)
+                *why = "the text can't be written in " + legacyName;
             return false;
+        }
         bytes = std::move(*encoded);
         break;
     }
     }
-    return WriteFileAtomically(path, bytes);
+    return WriteFileAtomically(path, bytes, why);
 }
 
 XmlNode XmlDocument::DocumentElement() const {

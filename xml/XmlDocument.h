@@ -6,6 +6,7 @@
 #include "platform/CString.h"
 #include "platform/TextEncoding.h"
 
+#include <cstdint>
 #include <memory>
 #include <pugixml.hpp>
 #include <string>
@@ -14,6 +15,16 @@
 // Node and element handles. pugixml uses one handle type for both; an element handle that
 // refers to a non-element node behaves as a null element (reads give "", writes raise).
 using XmlNode = pugi::xml_node;
+
+// Limits of what a load accepts, so that a hostile or broken file is refused with a message
+// rather than exhausting memory or stack. Real configurations are tens of MiB and about ten
+// levels deep.
+inline constexpr std::uint64_t kMaxXmlFileBytes = std::uint64_t{512} << 20;
+inline constexpr unsigned kMaxXmlDepth = 256;
+
+// Why the last load failed: the file is missing, can't be read (no permission, not a regular
+// file, too large), or was read but is not a document we accept.
+enum class XmlLoadFailure { None, Missing, Unreadable, Malformed };
 using XmlElement = pugi::xml_node;
 
 class XmlDocument {
@@ -24,18 +35,20 @@ public:
     XmlDocument& operator=(const XmlDocument&) = delete;
 
     // Parses the file. UTF-8 with or without BOM, UTF-16 with BOM, and the legacy encodings
-    // named by the declaration (GB2312, GBK, GB18030) are understood. On failure (missing,
-    // unreadable, not well-formed, no or several document elements) the document is left empty
-    // and the result is false; LastError() says why.
+    // named by the declaration (GB2312, GBK, GB18030) are understood; a declaration naming any
+    // other is refused. On failure (missing, unreadable, beyond the limits above, not
+    // well-formed, a reference to a character XML forbids, no or several document elements)
+    // the document is left empty and the result is false; LastError() and LoadFailure() say
+    // why.
     bool Load(const CString& path);
     // Parses UTF-8 text (for tests and in-memory use); same rules as Load. The declaration's
     // encoding is not applied to the text, but a legacy one still decides how Save writes.
     bool LoadString(const std::string& utf8);
     // Writes the document indented, in the encoding it was read in (UTF-8 for a new document,
-    // unless its declaration names a legacy one), replacing the file atomically. A character the
-    // encoding can't hold is written as a character reference. False when the file can't be
-    // written.
-    bool Save(const CString& path) const;
+    // unless its declaration names a legacy one), replacing the file atomically. A legacy file
+    // holding a character its encoding lacks is written in GB18030, its declaration saying so.
+    // False when the file can't be written; `why` (when given) then says why.
+    bool Save(const CString& path, std::string* why = nullptr) const;
     // The document serialised as UTF-8 (indented, declaration as held).
     std::string ToUtf8String() const;
 
@@ -47,6 +60,7 @@ public:
     TextEncoding Encoding() const { return m_encoding; }
     const std::string& LegacyName() const { return m_legacyName; }
     const std::string& LastError() const { return m_lastError; }
+    XmlLoadFailure LoadFailure() const { return m_failure; }
 
 private:
     // Parses text already decoded to UTF-8 and, on success, records how the file was encoded.
@@ -57,6 +71,7 @@ private:
     TextEncoding m_encoding = TextEncoding::Utf8;
     std::string m_legacyName; // iconv name when m_encoding is Legacy
     std::string m_lastError;
+    XmlLoadFailure m_failure = XmlLoadFailure::None;
 };
 
 using XmlDocPtr = std::shared_ptr<XmlDocument>;

@@ -4,6 +4,7 @@
 #include "host/HostData.h"
 #include "model/CPath.h"
 #include "platform/CString.h"
+#include "platform/FileLock.h"
 #include "presenter/CQdDeConfigPresenter.h"
 
 #include <functional>
@@ -14,10 +15,17 @@
 #include <string>
 #include <vector>
 
-enum ExitStatus { kExitTrue = 0, kExitFalse = 1, kExitUsage = 2, kExitError = 3 };
+enum ExitStatus { kExitTrue = 0, kExitFalse = 1, kExitUsage = 2, kExitError = 3, kExitRefused = 4 };
 
 // Bad input on the command line: reported with exit status 2, nothing changed.
 class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// The file is not worked on, to keep what it holds: it does not load as a configuration, a
+// workbench has it open, or another edit holds it. Exit status 4, nothing changed.
+class Refusal : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
@@ -29,6 +37,7 @@ struct GlobalOptions {
     CString file; // empty: the current configuration
     bool json = false;
     bool dryRun = false;
+    bool force = false; // edit a file that does not load, or that a workbench has open
     bool help = false;
 };
 
@@ -36,20 +45,34 @@ class Spec;
 class SMember;
 
 // One run of the tool: the options, the loaded host data and, made on first use, the
-// presenter of the configuration file.
+// presenter of the configuration file. A command that edits the file (`editing`) holds its
+// edit lock from before the file is read until the run ends.
 class CliContext {
 public:
-    explicit CliContext(GlobalOptions options) : m_options(std::move(options)) {}
+    explicit CliContext(GlobalOptions options, bool editing = false)
+        : m_options(std::move(options)), m_editing(editing) {}
     const GlobalOptions& Options() const { return m_options; }
     CQdDeConfigPresenter& Presenter();
     bool HasPresenter() const { return m_presenter != nullptr; }
     // The tree held by the presenter's store.
     const Spec& Tree();
+    // Takes the edit lock of `file` and refuses it, as Presenter() does for its own file, when
+    // it does not load; for commands that reach a file through the facade.
+    void GuardEdit(const CString& file);
+    // The current configuration's file, as a presenter without a file opens it.
+    static CString CurrentConfigFile();
     // Resolves "专业\大类\小类" or "大类\小类" in the current specialty; UsageError otherwise.
     CPath ResolveCategory(const CString& text, const SMember** found = nullptr);
 
 private:
+    void LockForEdit(const CString& file);
+    // Refuses a file that exists but does not load as a configuration (an edit may go on
+    // with --force, as the store would).
+    void CheckLoaded(const CString& file, const std::string& loadError);
+
     GlobalOptions m_options;
+    bool m_editing;
+    FileLock m_lock; // released after the presenter, which may save on its way out
     std::unique_ptr<CQdDeConfigPresenter> m_presenter;
 };
 

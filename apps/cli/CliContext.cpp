@@ -1,9 +1,16 @@
 #include "Cli.h"
 
+#include "host/QvKoProject/QvKoProject.h"
 #include "model/Spec.h"
+#include "platform/FileSystem.h"
+#include "store/CFileHeadWriter.h"
 #include "store/CXmlQdDeConfig.h"
 
 #include <cstdio>
+
+namespace {
+bool IsHeadedFile(const CString& file);
+} // namespace
 
 CQdDeConfigPresenter& CliContext::Presenter() {
     if (!m_presenter) {
@@ -14,9 +21,65 @@ CQdDeConfigPresenter& CliContext::Presenter() {
                          "koqdde: the project's SysRegedit.ini names \"%s\" as the current "
                          "configuration, which is no file name; DefaultConfig is used\n",
                          ToUtf8(recorded).c_str());
-        m_presenter = std::make_unique<CQdDeConfigPresenter>(m_options.file);
+        const CString file = m_options.file.IsEmpty() ? CurrentConfigFile() : m_options.file;
+        if (m_editing)
+            LockForEdit(file);
+        auto presenter = std::make_unique<CQdDeConfigPresenter>(m_options.file);
+        if (auto* store = dynamic_cast<CXmlQdDeConfig*>(presenter->GetData()))
+            CheckLoaded(file, store->LoadError());
+        m_presenter = std::move(presenter);
     }
     return *m_presenter;
+}
+
+CString CliContext::CurrentConfigFile() {
+    return JoinPath(CQdDeConfigPresenter::ConfigFolder(),
+                    CQdDeConfigPresenter::GetCurConfig() + L".xml");
+}
+
+void CliContext::GuardEdit(const CString& file) {
+    if (m_editing)
+        LockForEdit(file);
+    CheckLoaded(file, CXmlQdDeConfig(file, CProj().GetCurrentSpec()).LoadError());
+}
+
+void CliContext::LockForEdit(const CString& file) {
+    switch (m_lock.LockForEdit(file)) {
+    case FileLock::Outcome::Locked:
+    case FileLock::Outcome::NoLock: // a folder nobody may write: the save will say so
+        return;
+    case FileLock::Outcome::HeldOpen:
+        if (m_options.force) {
+            std::fprintf(stderr, "koqdde: %s is open in the workbench; editing it anyway\n",
+                         ToUtf8(file).c_str());
+            return;
+        }
+        throw Refusal(ToUtf8(file) +
+                      " is open in the workbench, which writes it back when it closes and would "
+                      "overwrite this edit; close the workbench first, or use --force");
+    case FileLock::Outcome::TimedOut:
+        throw Refusal("another edit of " + ToUtf8(file) +
+                      " has held it for 30 seconds; try again when it has finished");
+    }
+}
+
+void CliContext::CheckLoaded(const CString& file, const std::string& loadError) {
+    if (loadError.empty())
+        return;
+    std::string reason = loadError;
+    if (IsHeadedFile(file))
+        reason = ToUtf8(file) + " starts with a binary head; `koqdde head strip " + ToUtf8(file) +
+                 " OUT` gives the configuration inside it";
+    if (m_editing && m_options.force) {
+        std::fprintf(stderr,
+                     "koqdde: %s\nkoqdde: --force: the save replaces the file with the current "
+                     "specialty alone\n",
+                     reason.c_str());
+        return;
+    }
+    throw Refusal(reason + (m_editing ? "\nthe file was left as it is; --force edits it anyway, "
+                                        "replacing it with the current specialty alone"
+                                      : ""));
 }
 
 const Spec& CliContext::Tree() {
@@ -27,6 +90,17 @@ const Spec& CliContext::Tree() {
 }
 
 namespace {
+// A file made by `head write`: it starts with the head's first tag.
+bool IsHeadedFile(const CString& file) {
+    const std::optional<std::string> bytes = ReadFileBytes(file);
+    if (!bytes || bytes->size() < 4)
+        return false;
+    std::uint32_t tag = 0;
+    for (int i = 3; i >= 0; --i)
+        tag = (tag << 8) | static_cast<unsigned char>((*bytes)[static_cast<size_t>(i)]);
+    return tag == CFileHeadWriter::kTagKind;
+}
+
 std::vector<CString> SplitCategory(const CString& text) {
     wchar_t separator = text.Find(L'\\') >= 0 ? L'\\' : L'/';
     std::vector<CString> parts;

@@ -48,6 +48,9 @@ int SaveAs(CliContext& ctx, const std::vector<std::string>& args) {
 
 int Refresh(CliContext& ctx, const std::vector<std::string>& args) {
     CString file = CurrentCandidate(args, "refresh");
+    // The refresh saves the current configuration when it switches: the same lock and check
+    // as any edit of it.
+    ctx.GuardEdit(CliContext::CurrentConfigFile());
     CString error;
     bool ok = RefreshAutoConfig(error, file);
     if (ctx.Options().json) {

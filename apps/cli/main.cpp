@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <exception>
 #include <map>
+#include <set>
 
 std::vector<CommandSpec> QueryCommands();
 std::vector<CommandSpec> FileCommands();
@@ -55,10 +56,13 @@ const char* const kGlobalHelp =
     "  --file FILE       configuration file to work on (default: the current configuration)\n"
     "  --json            machine-readable output\n"
     "  --dry-run         edits: show the result without saving\n"
+    "  --force           edit a file that does not load (it is replaced by the current\n"
+    "                    specialty alone) or that a workbench has open\n"
     "  --help            this text; COMMAND --help for a command's own\n"
     "\n"
     "Exit status: 0 the operation answered true, 1 it answered false, 2 usage error,\n"
-    "3 unexpected failure.\n"
+    "3 unexpected failure, 4 refused to keep the file (it does not load, a workbench has it\n"
+    "open, or another edit holds it).\n"
     "\n"
     "Commands:\n";
 
@@ -111,6 +115,8 @@ GlobalOptions ParseGlobals(std::vector<std::string>& args) {
             options.json = true;
         } else if (a == "--dry-run") {
             options.dryRun = true;
+        } else if (a == "--force") {
+            options.force = true;
         } else if (a == "--help" || a == "-h") {
             options.help = true;
         } else {
@@ -149,7 +155,10 @@ int Run(std::vector<std::string> args) {
     if (!LoadDataPack({options.dataDir, options.projectFile, options.configDir}, host, error))
         throw UsageError("cannot load the data pack: " + ToUtf8(error));
     HostDataScope hostScope(&host);
-    CliContext ctx(options);
+    // The commands that write the configuration file; they hold its edit lock.
+    static const std::set<std::string> kEditing = {
+        "config", "condition", "qd", "de", "apply", "open", "new", "save-as", "refresh"};
+    CliContext ctx(options, kEditing.count(name) > 0);
     // Opening a missing file creates it; a refused command must not leave one behind.
     bool fileExisted = options.file.IsEmpty() || PathExists(options.file);
     try {
@@ -173,6 +182,9 @@ int main(int argc, char** argv) {
     } catch (const UsageError& e) {
         std::fprintf(stderr, "koqdde: %s\n", e.what());
         return kExitUsage;
+    } catch (const Refusal& e) {
+        std::fprintf(stderr, "koqdde: %s\n", e.what());
+        return kExitRefused;
     } catch (const ComError& e) {
         std::fprintf(stderr, "koqdde: failed: %s\n", e.what());
         return kExitError;

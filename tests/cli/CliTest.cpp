@@ -219,9 +219,19 @@ TEST_F(Cli, HeadedFilesCanBeReadAndStripped) {
     EXPECT_EQ(Run({"head", "write", Config()}).status, 1) << "a headed file has no root";
     EXPECT_EQ(Bytes(Config()), headed);
 
+    // A headed file is no configuration: a query says so, an edit keeps its hands off it
+    // (switching away would save over it) unless forced.
+    Result show = Run({"show", kPipe});
+    EXPECT_EQ(show.status, 4);
+    EXPECT_TRUE(Has(show.err, "koqdde head strip")) << show.err;
+    EXPECT_EQ(show.out, "");
     std::string out = Path("recovered.xml");
     ASSERT_EQ(Run({"head", "strip", Config(), out}).status, 0);
     Result open = Run({"open", out});
+    EXPECT_EQ(open.status, 4);
+    EXPECT_TRUE(Has(open.err, "--force")) << open.err;
+    EXPECT_EQ(Bytes(Config()), headed);
+    open = Run({"--force", "open", out});
     EXPECT_EQ(open.status, 0) << open.err;
     EXPECT_EQ(Run({"head", "read", out}).status, 1);
 }

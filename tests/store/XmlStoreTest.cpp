@@ -2,7 +2,16 @@
 #include "support/TestHost.h"
 #include "xml/XmlDocument.h"
 
+#include "platform/ComError.h"
+#include "platform/FileSystem.h"
+
+#include <filesystem>
+#include <functional>
 #include <gtest/gtest.h>
+#include <memory>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -203,11 +212,78 @@ TEST(XmlStore, BadFilesAreRefusedAndLeftUntouched) {
         // A store opened on it starts from the defaults (or, under a foreign document element,
         // holds nothing) and writes nothing.
         CXmlQdDeConfig fresh(path, L"给排水");
+        EXPECT_NE(fresh.LoadError().find(ToUtf8(path)), std::string::npos) << fresh.LoadError();
         bool foreignRoot = CString(name) == L"other-root.xml";
         EXPECT_EQ(ConfigCount(fresh, PathTo(2, 1, 101)), foreignRoot ? 0 : 1);
         EXPECT_EQ(host.dir.Read(path), bytes) << ToUtf8(CString(name));
     }
     EXPECT_TRUE(host.messages.Messages().empty());
+    EXPECT_EQ(CXmlQdDeConfig(good, L"给排水").LoadError(), "");
+}
+
+TEST(XmlStore, SaveKeepsLinksAndClearsWhatKilledSavesLeft) {
+    TestHost host;
+    Catalog(host);
+    const CString shared = host.dir.File(L"shared/公司模板.xml");
+    ASSERT_TRUE(MakeDirectory(host.dir.File(L"shared")));
+    const CString link = host.dir.File(L"link.xml");
+    ASSERT_EQ(::symlink("shared/公司模板.xml", ToUtf8(link).c_str()), 0);
+    // A dangling link: opening creates the file it points to, and the link stays.
+    CXmlQdDeConfig store(link, L"给排水");
+    int id = 0;
+    ASSERT_TRUE(store.AddConfig(PathTo(2, 1, 101), id));
+    // What a save killed before its rename leaves; a live writer's file is not touched.
+    const CString stale = host.dir.Write(L"shared/.公司模板.xml.tmp-999999999-0", "half");
+    const CString live = host.dir.Write(
+        L"shared/.公司模板.xml.tmp-" + FromUtf8(std::to_string(::getppid())) + L"-3", "busy");
+    ASSERT_TRUE(store.Save());
+    EXPECT_TRUE(std::filesystem::is_symlink(ToUtf8(link)));
+    EXPECT_EQ(ConfigCount(*std::make_unique<CXmlQdDeConfig>(shared, L"给排水"), PathTo(2, 1, 101)),
+              2);
+    EXPECT_FALSE(PathExists(stale));
+    EXPECT_TRUE(PathExists(live));
+}
+
+// Runs `check` in a child process as an ordinary user (nobody) when the tests run as root,
+// since root may read and write whatever the mode says. Gives the child's exit status.
+int AsOrdinaryUser(const std::function<int()>& check) {
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0))
+            ::_exit(90);
+        ::_exit(check());
+    }
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 99;
+}
+
+TEST(XmlStore, SaveNeverReplacesAFileTheUserMayNotReadOrWrite) {
+    TestHost host;
+    Catalog(host);
+    ::chmod(ToUtf8(host.dir.Path()).c_str(), 0777);
+    const std::string bytes = std::string(kHead) +
+                              "<自动套清单定额配置信息 Version=\"1\">"
+                              "<电气 id=\"1\" name=\"电气\"/></自动套清单定额配置信息>";
+    for (const mode_t mode : {0444, 0000}) {
+        SCOPED_TRACE(mode);
+        const CString file = host.dir.Write(L"guarded.xml", bytes);
+        ::chmod(ToUtf8(file).c_str(), mode);
+        const int status = AsOrdinaryUser([&] {
+            CXmlQdDeConfig store(file, L"给排水");
+            int id = 0;
+            store.AddConfig(PathTo(2, 1, 101), id);
+            try {
+                store.Save();
+            } catch (const ComError& e) {
+                return std::string(e.what()).find("guarded.xml") != std::string::npos ? 0 : 2;
+            }
+            return 1; // saved
+        });
+        EXPECT_EQ(status, 0);
+        ::chmod(ToUtf8(file).c_str(), 0644);
+        EXPECT_EQ(host.dir.Read(file), bytes);
+    }
 }
 
 TEST(XmlStore, SaveAsCopiesButStaysOnTheOpenFile) {
