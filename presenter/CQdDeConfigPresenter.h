@@ -37,7 +37,7 @@ public:
     // full stop; empty without one.
     static CString ConfigNameOf(const CString& file);
     // The full path that the current name means, making the configuration folder if needed.
-    CString GetCurConfigDetailPath();
+    static CString GetCurConfigDetailPath();
 
     bool ReLoad(const CString& file);
     bool NewFile(const CString& file);

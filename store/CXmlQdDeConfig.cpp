@@ -35,12 +35,12 @@ XmlNode AddSpecNode(XmlNode root, const CString& specName) {
     return element;
 }
 
-std::string OtherRootError(const CString& file, const XmlDocPtr& doc) {
-    return ToUtf8(file) + ": the document element is <" + doc->DocumentElement().name() +
-           ">, not <" + ToUtf8(CString(kConfigRootName)) + ">";
-}
-
 } // namespace
+
+std::string OtherRootError(const CString& file, const char* found) {
+    return ToUtf8(file) + ": the document element is <" + found + ">, not <" +
+           ToUtf8(CString(kConfigRootName)) + ">";
+}
 
 XmlNode GetOrCreateRoot(const XmlDocPtr& doc, const CString& rootName) {
     XmlNode found = XmlVisitor::selectSingleNode(CheckPointer(doc.get()).Doc(), rootName);
@@ -86,7 +86,7 @@ CXmlQdDeConfig::CXmlQdDeConfig(const CString& file, const CString& specName)
         m_loadError = doc->LastError();
     XmlNode root = GetOrCreateRoot(doc, kConfigRootName);
     if (!root) {
-        m_loadError = OtherRootError(file, doc);
+        m_loadError = OtherRootError(file, doc->DocumentElement().name());
         return;
     }
     XmlNode specNode = FindOrCreateSpecNode(root, specName);

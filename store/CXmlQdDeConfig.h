@@ -75,3 +75,5 @@ XmlNode GetOrCreateRoot(const XmlDocPtr& doc, const CString& rootName);
 XmlNode FindOrCreateSpecNode(XmlNode root, const CString& specName);
 // Removes the specialty's element, if any, and appends a new empty one at the end.
 XmlNode RebuildSpecNode(XmlNode root, const CString& specName);
+// Why a document whose element is `found` is no configuration file.
+std::string OtherRootError(const CString& file, const char* found);

@@ -59,8 +59,6 @@ public:
     // Takes the edit lock of `file` and refuses it, as Presenter() does for its own file, when
     // it does not load; for commands that reach a file through the facade.
     void GuardEdit(const CString& file);
-    // The current configuration's file, as a presenter without a file opens it.
-    static CString CurrentConfigFile();
     // Resolves "专业\大类\小类" or "大类\小类" in the current specialty; UsageError otherwise.
     CPath ResolveCategory(const CString& text, const SMember** found = nullptr);
 

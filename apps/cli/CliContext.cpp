@@ -21,7 +21,9 @@ CQdDeConfigPresenter& CliContext::Presenter() {
                          "koqdde: the project's SysRegedit.ini names \"%s\" as the current "
                          "configuration, which is no file name; DefaultConfig is used\n",
                          ToUtf8(recorded).c_str());
-        const CString file = m_options.file.IsEmpty() ? CurrentConfigFile() : m_options.file;
+        const CString file = m_options.file.IsEmpty()
+                                 ? CQdDeConfigPresenter::GetCurConfigDetailPath()
+                                 : m_options.file;
         if (m_editing)
             LockForEdit(file);
         auto presenter = std::make_unique<CQdDeConfigPresenter>(m_options.file);
@@ -30,11 +32,6 @@ CQdDeConfigPresenter& CliContext::Presenter() {
         m_presenter = std::move(presenter);
     }
     return *m_presenter;
-}
-
-CString CliContext::CurrentConfigFile() {
-    return JoinPath(CQdDeConfigPresenter::ConfigFolder(),
-                    CQdDeConfigPresenter::GetCurConfig() + L".xml");
 }
 
 void CliContext::GuardEdit(const CString& file) {

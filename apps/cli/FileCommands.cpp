@@ -50,7 +50,7 @@ int Refresh(CliContext& ctx, const std::vector<std::string>& args) {
     CString file = CurrentCandidate(args, "refresh");
     // The refresh saves the current configuration when it switches: the same lock and check
     // as any edit of it.
-    ctx.GuardEdit(CliContext::CurrentConfigFile());
+    ctx.GuardEdit(CQdDeConfigPresenter::GetCurConfigDetailPath());
     CString error;
     bool ok = RefreshAutoConfig(error, file);
     if (ctx.Options().json) {

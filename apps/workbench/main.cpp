@@ -7,9 +7,12 @@
 #include "host/QvKoSettings/QvKoSettings.h"
 #include "host/datapack/DataPack.h"
 #include "host/ui/QvPickers/QvPickers.h"
+#include "platform/FileLock.h"
 #include "platform/FileSystem.h"
 #include "platform/MessageBox.h"
 #include "presenter/CAutoQdDeConfigFacade.h"
+#include "presenter/CQdDeConfigPresenter.h"
+#include "store/ConfigFileCheck.h"
 #include "ui/CDialog.h"
 #include "ui/ModalHook.h"
 #include "ui/QtMessageBox.h"
@@ -204,6 +207,26 @@ bool PickFirstBill(QWidget& picker) {
     return true;
 }
 
+// Before the workbench opens the current configuration: a file that does not load would be
+// replaced by the current specialty alone on close, so a dated copy of it is made first and
+// the user told where it is. The workbench then goes on as it always does.
+void BackUpUnloadableConfiguration(const CString& file) {
+    const std::string reason = ConfigLoadError(file);
+    if (reason.empty())
+        return;
+    const CString backup = BackupBeside(file);
+    std::fprintf(stderr, "koqdde-workbench: %s\nkoqdde-workbench: %s\n", reason.c_str(),
+                 backup.IsEmpty() ? "no backup could be made"
+                                  : ("a copy is kept as " + ToUtf8(backup)).c_str());
+    // 当前配置文件无法读取 / 已备份为 / 备份失败
+    const CString text =
+        CString(L"\u5F53\u524D\u914D\u7F6E\u6587\u4EF6\u65E0\u6CD5\u8BFB\u53D6\uFF1A\n") +
+        FromUtf8(reason) + L"\n\n" +
+        (backup.IsEmpty() ? CString(L"\u5907\u4EFD\u5931\u8D25")
+                          : CString(L"\u5DF2\u5907\u4EFD\u4E3A\uFF1A\n") + backup);
+    ShowWarning(text);
+}
+
 // Opens the workbench, the wizard's page or the attribute dialog, as the options say.
 void RunChosenDialog(const Options& options, bool printResult) {
     if (options.attrDialog) {
@@ -266,6 +289,14 @@ int main(int argc, char** argv) {
     SetActiveWindowProvider(koqdde::ui::QtActiveWindow);
 
     if (options.screenshot.empty()) {
+        // The workbench holds the configuration it opens shared for as long as it is open:
+        // the tool then refuses edits that its save on close would overwrite.
+        FileLock openLock;
+        if (!options.wizard && !options.attrDialog) {
+            const CString current = CQdDeConfigPresenter::GetCurConfigDetailPath();
+            openLock.LockShared(current);
+            BackUpUnloadableConfiguration(current);
+        }
         // A failure a dialog does not handle itself (the attribute dialog's save raises one by
         // design) ends the program with its reason, not a crash.
         try {
