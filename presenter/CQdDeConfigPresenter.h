@@ -73,6 +73,9 @@ public:
     bool GetAttConfig(const CString& first, const CString& second, AttrConfig& out);
     bool SetAttConfig(const CString& first, const CString& second, const AttrConfig& record);
     bool SaveAttConfig();
+    // Why AttrConfig.xml could not be used when the presenter was made (its path and the
+    // fault); empty when it was read or does not exist. The lookups above then find nothing.
+    const std::string& AttConfigError() const { return m_pAttr->LastError(); }
 
     // The store, for tools that list the whole tree.
     IQdDeConfigData* GetData() const { return m_pData.get(); }

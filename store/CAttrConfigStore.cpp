@@ -48,13 +48,40 @@ XmlNode FindOrAddByTag(XmlNode parent, const CString& name, const CString& id) {
     return AddNamed(parent, name, id, name);
 }
 
+// Loads a file that exists and finds its root element. A missing file gives a null root and
+// no error; a file that can't be used gives a null root and the reason, naming the file.
+XmlNode LoadExisting(XmlDocument& doc, const CString& file, const wchar_t* rootName,
+                     std::string& error) {
+    error.clear();
+    if (!PathExists(file))
+        return XmlNode();
+    if (!doc.Load(file)) {
+        const std::string path = ToUtf8(file);
+        error = doc.LastError();
+        if (error.rfind(path, 0) != 0)
+            error = path + ": " + (error.empty() ? "can't be read" : error);
+        return XmlNode();
+    }
+    XmlNode root = XmlVisitor::selectSingleNode(doc.Doc(), rootName);
+    if (!root)
+        error = ToUtf8(file) + ": the root element is <" + doc.DocumentElement().name() +
+                ">, not <" + ToUtf8(std::wstring_view(rootName)) + ">";
+    return root;
+}
+
+bool IsText(XmlNode node) {
+    return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+}
+
 } // namespace
 
 CAttrConfigStore::CAttrConfigStore() : m_strFile(ConfigFile(L"AttrConfig.xml")) {
     m_pAttrInfoDoc = XmlVisitor::CreateXmlDocPtr();
     CheckPointer(m_pAttrInfoDoc.get());
-    m_pAttrInfoDoc->Load(ConfigFile(L"AttributeInformation.xml"));
-    m_pAttrInfoRoot = XmlVisitor::selectSingleNode(m_pAttrInfoDoc->Doc(), kAttrInfoRoot);
+    const CString infoFile = ConfigFile(L"AttributeInformation.xml");
+    m_pAttrInfoRoot = LoadExisting(*m_pAttrInfoDoc, infoFile, kAttrInfoRoot, m_attrInfoError);
+    if (!m_pAttrInfoRoot && m_attrInfoError.empty())
+        m_attrInfoError = ToUtf8(infoFile) + ": file not found";
 }
 
 CAttrConfigStore::CAttrConfigStore(const CString& specName)
@@ -66,20 +93,43 @@ bool CAttrConfigStore::Load() {
     XmlDocPtr doc = XmlVisitor::CreateXmlDocPtr();
     if (!doc)
         return false;
-    doc->Load(m_strFile);
-    XmlNode root = XmlVisitor::GetRootNode_C(doc, kAttrConfigRoot);
+    XmlNode root = LoadExisting(*doc, m_strFile, kAttrConfigRoot, m_lastError);
     if (!root)
+        return m_lastError.empty(); // no file: no settings generated yet
+    XmlNode spec = FindChildByName(root, m_strSpec);
+    // Text where an element belongs is a record or category written by hand that would
+    // otherwise vanish; comments and processing instructions are no records and are skipped.
+    auto textIn = [&](XmlNode parent, const CString& path, const char* what) {
+        for (XmlNode child = XmlVisitor::firstChild(parent); child;
+             child = XmlVisitor::nextSibling(child))
+            if (IsText(child)) {
+                m_lastError = ToUtf8(m_strFile) + ": text where the " + what + " of " +
+                              ToUtf8(path) + " belong";
+                m_mapAttr.clear();
+                return true;
+            }
         return false;
-    // Made in memory only when missing (a "建筑" specialty never reaches the file).
-    XmlNode spec = FindOrAddSpec(root, m_strSpec);
+    };
+    if (textIn(spec, m_strSpec, "large categories"))
+        return false;
     for (XmlNode large = XmlVisitor::firstChild(spec); large;
          large = XmlVisitor::nextSibling(large)) {
+        if (large.type() != pugi::node_element)
+            continue;
+        const CString largePath = m_strSpec + L"\\" + XmlVisitor::nodeName(large);
+        if (textIn(large, largePath, "small categories"))
+            return false;
         for (XmlNode small = XmlVisitor::firstChild(large); small;
              small = XmlVisitor::nextSibling(small)) {
-            CString path = m_strSpec + L"\\" + XmlVisitor::nodeName(large) + L"\\" +
-                           XmlVisitor::nodeName(small);
+            if (small.type() != pugi::node_element)
+                continue;
+            const CString path = largePath + L"\\" + XmlVisitor::nodeName(small);
+            if (textIn(small, path, "attribute records"))
+                return false;
             for (XmlNode attr = XmlVisitor::firstChild(small); attr;
                  attr = XmlVisitor::nextSibling(attr)) {
+                if (attr.type() != pugi::node_element)
+                    continue;
                 AttrConfig record(XmlVisitor::getNodeAttribute(attr, L"name"),
                                   XmlVisitor::getNodeAttribute(attr, L"namecode"),
                                   WToI(XmlVisitor::getNodeAttribute(attr, L"vartype")),
@@ -111,8 +161,6 @@ bool CAttrConfigStore::SetAttConfig(const CString& key, const AttrConfig& record
 }
 
 bool CAttrConfigStore::LookupAttrType(const CString& code, AttrConfig& record) const {
-    if (!m_pAttrInfoRoot)
-        throw ComError(E_POINTER, "no attribute information");
     XmlNode info = XmlVisitor::selectSingleNode(m_pAttrInfoRoot, code);
     if (!info)
         return false;
@@ -140,13 +188,20 @@ bool CAttrConfigStore::LookupAttrType(const CString& code, AttrConfig& record) c
 }
 
 bool CAttrConfigStore::Save() {
+    auto refuse = [this](HRESULT hr, const std::string& why) {
+        m_lastError = why;
+        throw ComError(hr, why);
+    };
     XmlDocPtr doc = XmlVisitor::CreateXmlDocPtr();
     if (!doc)
         return false;
-    doc->Load(m_strFile); // an existing file is extended, a missing one started afresh
-    XmlNode root = XmlVisitor::GetRootNode_C(doc, kAttrConfigRoot);
+    // An existing file is extended, a missing one started afresh; one that can't be read is
+    // left for the user to mend rather than replaced.
+    XmlNode root = LoadExisting(*doc, m_strFile, kAttrConfigRoot, m_lastError);
+    if (!m_lastError.empty())
+        refuse(E_FAIL, m_lastError);
     if (!root)
-        return false;
+        root = XmlVisitor::GetRootNode_C(doc, kAttrConfigRoot);
     CAtt att;
     CStringArray specNames;
     att.GetAllSpecNames(specNames);
@@ -179,6 +234,10 @@ bool CAttrConfigStore::Save() {
                     if (!attrNode)
                         attrNode = XmlVisitor::addChild(smallNode, code);
                     AttrConfig record(name, code, 1, 1, 1);
+                    if (!m_pAttrInfoRoot)
+                        refuse(E_POINTER, m_attrInfoError.empty()
+                                              ? "a reader can't generate the attribute settings"
+                                              : m_attrInfoError);
                     if (!LookupAttrType(code, record))
                         continue;
                     XmlVisitor::addatt(attrNode, L"name", record.name);
@@ -191,6 +250,6 @@ bool CAttrConfigStore::Save() {
         }
     }
     if (!doc->Save(m_strFile))
-        throw ComError(E_FAIL, "cannot write " + ToUtf8(m_strFile));
+        refuse(E_FAIL, ToUtf8(m_strFile) + ": can't be written");
     return true;
 }

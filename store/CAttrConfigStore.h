@@ -10,6 +10,7 @@
 #include "xml/XmlDocument.h"
 
 #include <map>
+#include <string>
 
 struct AttrConfig {
     AttrConfig() = default;
@@ -40,11 +41,18 @@ public:
     // Overwrites vartype, compar and specrelation in memory only; false for an unknown key.
     bool SetAttConfig(const CString& key, const AttrConfig& record);
     // Generates AttrConfig.xml. Raises ComError(E_POINTER) on a reader-form store or when
-    // "AttributeInformation.xml" is missing; the file is then left as it was.
+    // "AttributeInformation.xml" is missing or can't be read, and ComError(E_FAIL) when an
+    // existing AttrConfig.xml can't be read (not well-formed, another root, not a readable
+    // file) or written; the file is then left as it was and LastError() says why.
     bool Save();
 
     const std::map<CString, AttrConfig>& Records() const { return m_mapAttr; }
     CString GetFilePath() const { return m_strFile; }
+    // Why the file the reader read, or the last generation, could not be used: the file's path
+    // and the fault, one line. Empty when it was used or did not exist (no settings generated
+    // yet). A reader that can't use its file holds no records, as one without a file does;
+    // the programs around it use this to stop instead.
+    const std::string& LastError() const { return m_lastError; }
 
 private:
     bool Load();
@@ -55,4 +63,6 @@ private:
     CString m_strSpec;
     XmlDocPtr m_pAttrInfoDoc;
     XmlNode m_pAttrInfoRoot;
+    std::string m_attrInfoError; // why the attribute types can't be used, or empty
+    std::string m_lastError;
 };

@@ -4,6 +4,7 @@
 
 #include "host/QvKoSettings/QvKoSettings.h"
 #include "model/Spec.h"
+#include "platform/ComError.h"
 #include "platform/FileSystem.h"
 #include "presenter/CAutoQdDeConfigFacade.h"
 #include "store/CAttrConfigStore.h"
@@ -55,7 +56,15 @@ int Attr(CliContext& ctx, const std::vector<std::string>& raw) {
     if (action == "generate") {
         if (args.positional.size() != 1 || !args.values.empty())
             throw UsageError("usage: attr generate");
-        CAutoQdDeConfigFacade::AttrConfig();
+        // The facade's generation, with the store at hand to say why it failed.
+        CAttrConfigStore generator;
+        try {
+            generator.Save();
+        } catch (const ComError&) {
+            if (generator.LastError().empty())
+                throw;
+            throw UsageError("cannot generate the attribute settings: " + generator.LastError());
+        }
         CString file = JoinPath(QvKoSettings::GetAppProfile().GetConfigPath(), L"AttrConfig.xml");
         if (ctx.Options().json)
             PrintLine(Json::MakeObject().Set("ok", true).Set("file", file).Dump());
@@ -69,6 +78,8 @@ int Attr(CliContext& ctx, const std::vector<std::string>& raw) {
         throw UsageError("usage: attr " + action + " CATEGORY ATTRIBUTE");
     if (action == "get" && !args.values.empty())
         throw UsageError("attr get takes no options");
+    if (const std::string& why = ctx.Presenter().AttConfigError(); !why.empty())
+        throw UsageError("cannot use the attribute settings: " + why);
     CString first = CategoryText(ctx, args.positional[1]);
     CString second = Arg(args.positional[2]);
     std::string key = ToUtf8(first + second);

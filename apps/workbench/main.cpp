@@ -12,6 +12,7 @@
 #include "platform/MessageBox.h"
 #include "presenter/CAutoQdDeConfigFacade.h"
 #include "presenter/CQdDeConfigPresenter.h"
+#include "store/CAttrConfigStore.h"
 #include "store/ConfigFileCheck.h"
 #include "ui/CDialog.h"
 #include "ui/ModalHook.h"
@@ -24,6 +25,7 @@
 #include <QFileInfo>
 #include <QFontMetrics>
 #include <QImage>
+#include <QMessageBox>
 #include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
@@ -248,6 +250,16 @@ void RunChosenDialog(const Options& options, bool printResult) {
     CAutoQdDeConfigFacade::StartQdDeConfig(nullptr, CRect());
 }
 
+// An input file the program can't use ends it: the reason goes to standard error and, when the
+// program runs for someone rather than rendering, into a message box as well.
+int StopOnUnusableFile(const Options& options, const std::string& what) {
+    std::fprintf(stderr, "koqdde-workbench: %s\n", what.c_str());
+    if (options.screenshot.empty())
+        QMessageBox::critical(nullptr, QStringLiteral("koqdde-workbench"),
+                              QString::fromStdString(what));
+    return 2;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -276,14 +288,15 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     HostData host;
     CString packError;
-    if (!LoadDataPack(options.pack, host, packError)) {
-        std::fprintf(stderr, "koqdde-workbench: cannot load the data pack: %s\n",
-                     ToUtf8(packError).c_str());
-        return 2;
-    }
+    if (!LoadDataPack(options.pack, host, packError))
+        return StopOnUnusableFile(options, "cannot load the data pack: " + ToUtf8(packError));
     if (!options.cloudDir.IsEmpty())
         host.cloudDir = options.cloudDir;
     HostDataScope hostScope(&host);
+    // Every dialog here reads the attribute settings; a file it can't use would pass for one
+    // without settings.
+    if (std::string why = CAttrConfigStore(host.project.currentSpec).LastError(); !why.empty())
+        return StopOnUnusableFile(options, "cannot use the attribute settings: " + why);
     koqdde::ui::QtMessageBoxHandler messages;
     MessageBoxHandlerScope messageScope(&messages);
     SetActiveWindowProvider(koqdde::ui::QtActiveWindow);

@@ -1,6 +1,7 @@
 #include "host/datapack/DataPack.h"
 
 #include "host/sqlite/LibraryFiles.h"
+#include "xml/XmlName.h"
 
 #include <pugixml.hpp>
 
@@ -13,6 +14,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <unistd.h>
 #include <vector>
@@ -107,9 +109,16 @@ int LineOfOffset(const CString& path, std::ptrdiff_t offset) {
 // Loads an XML file and checks its root element's name.
 bool LoadXml(const CString& path, const char* rootName, pugi::xml_document& doc, CString& error) {
     std::error_code ec;
-    if (!fs::is_regular_file(ToPath(path), ec))
+    const fs::file_status status = fs::status(ToPath(path), ec);
+    if (!fs::exists(status))
         return Fail(error, path, L"file not found");
+    if (fs::is_directory(status))
+        return Fail(error, path, L"is a folder, not a file");
+    if (!fs::is_regular_file(status))
+        return Fail(error, path, L"is not a regular file");
     pugi::xml_parse_result result = doc.load_file(ToPath(path).c_str());
+    if (result.status == pugi::status_file_not_found || result.status == pugi::status_io_error)
+        return Fail(error, path, L"cannot be read");
     if (!result) {
         CString what;
         what.Format(L"malformed XML at line %d: %ls", LineOfOffset(path, result.offset),
@@ -141,6 +150,37 @@ bool Children(const pugi::xml_node& parent, const char* name, const CString& whe
     return true;
 }
 
+// A character of a name as a message shows it: the character itself where it is visible, and
+// always its code point.
+CString CharText(char32_t c) {
+    CString code;
+    code.Format(L"U+%04X", static_cast<unsigned>(c));
+    if (c < 0x20 || (c >= 0x7F && c <= 0x9F))
+        return code;
+    return Quoted(CString(std::wstring(1, static_cast<wchar_t>(c)))) + L" (" + code + L")";
+}
+
+// Why a category name can't be used, or nothing. Category names become element names in the
+// configuration files and the attribute settings, and a category's path joins them with "\".
+std::optional<CString> CategoryNameFault(std::string_view utf8) {
+    if (utf8.find('\\') != std::string_view::npos)
+        return CString(L"holds a backslash, which separates the levels of a category path");
+    const size_t at = XmlNameFaultAt(utf8);
+    if (at == std::string_view::npos)
+        return std::nullopt;
+    CString why;
+    char32_t c = 0;
+    if (DecodeUtf8(utf8.substr(at), c) == 0)
+        why = L"it is not well-formed UTF-8";
+    else if (c == U':')
+        why = L"a colon would need a namespace declaration";
+    else if (at == 0)
+        why = CharText(c) + L" can't start a name";
+    else
+        why = CharText(c) + L" can't stand in a name";
+    return L"can't be an XML element name, as the configuration files need: " + why;
+}
+
 // Reads the id and name every level of the catalog carries, and rejects a repeat among the
 // siblings: both are keys the host looks categories up by.
 bool ReadIdAndName(const pugi::xml_node& node, const CString& kind, const CString& where,
@@ -151,6 +191,18 @@ bool ReadIdAndName(const pugi::xml_node& node, const CString& kind, const CStrin
     CString label = kind + (name.IsEmpty() ? CString() : L" " + Quoted(name)) + L" in " + where;
     if (name.IsEmpty())
         return Fail(error, path, kind + L" without a name in " + where);
+    if (std::optional<CString> fault = CategoryNameFault(node.attribute("name").value())) {
+        // The name as written may hold line breaks and other controls; the message is one line.
+        CString shown;
+        for (int i = 0; i < name.GetLength(); ++i) {
+            const auto c = static_cast<char32_t>(name[i]);
+            if (c < 0x20 || (c >= 0x7F && c <= 0x9F))
+                shown += CharText(c);
+            else
+                shown += name[i];
+        }
+        return Fail(error, path, kind + L" " + Quoted(shown) + L" in " + where + L" " + *fault);
+    }
     if (idText.IsEmpty())
         return Fail(error, path, label + L" has no id");
     std::optional<int> parsed = ParseInt(idText, false);

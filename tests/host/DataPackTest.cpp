@@ -432,6 +432,26 @@ TEST(DataPackTest, FaultyPacksAreRefusedNamingTheFile) {
          "catalog.xml"},
         {"misspelt element", "catalog.xml",
          Replaced(catalog, "<attr field=\"KD\"", "<atr field=\"KD\""), false, "catalog.xml"},
+        {"specialty name with a space", "catalog.xml",
+         Replaced(catalog, "name=\"电气\"", "name=\"电 气\""), false,
+         "catalog.xml: specialty \"电 气\" in <catalog> can't be an XML element name, as the "
+         "configuration files need: \" \" (U+0020) can't stand in a name"},
+        {"large category name starting with a digit", "catalog.xml",
+         Replaced(catalog, "name=\"管道\"", "name=\"1管道\""), false,
+         "large category \"1管道\" in 给排水 can't be an XML element name, as the configuration "
+         "files need: \"1\" (U+0031) can't start a name"},
+        {"small category name with a colon", "catalog.xml",
+         Replaced(catalog, "name=\"排水管\"", "name=\"排:水管\""), false,
+         "small category \"排:水管\" in 给排水\\管道 can't be an XML element name, as the "
+         "configuration files need: a colon would need a namespace declaration"},
+        {"small category name with a line break", "catalog.xml",
+         Replaced(catalog, "name=\"排水管\"", "name=\"排&#10;水管\""), false,
+         "small category \"排U+000A水管\" in 给排水\\管道 can't be an XML element name, as the "
+         "configuration files need: U+000A can't stand in a name"},
+        {"small category name with a backslash", "catalog.xml",
+         Replaced(catalog, "name=\"给水管\"", "name=\"给水\\管\""), false,
+         "catalog.xml: small category \"给水\\管\" in 给排水\\管道 holds a backslash, which "
+         "separates the levels of a category path"},
         {"drop key without a list", "catalog.xml",
          Replaced(catalog, "drop=\"管道材质\"", "drop=\"阀门材质\""), false, "阀门材质"},
         {"no drop lists", "droplists.xml", "", true, "droplists.xml"},
@@ -487,4 +507,8 @@ TEST(DataPackTest, FaultyPacksAreRefusedNamingTheFile) {
     HostData empty;
     EXPECT_FALSE(LoadProjectFile(dir.File(L"pack/project/小工程.kprj"), empty, error))
         << "no catalog loaded, so no specialty can match";
+    fs::remove(U8(dir.File(L"pack/catalog.xml")));
+    fs::create_directory(U8(dir.File(L"pack/catalog.xml")));
+    EXPECT_FALSE(LoadCatalogFile(dir.File(L"pack/catalog.xml"), data, error));
+    EXPECT_EQ(U8(error), U8(dir.File(L"pack/catalog.xml")) + ": is a folder, not a file");
 }

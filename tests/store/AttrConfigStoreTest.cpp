@@ -92,12 +92,16 @@ CString Key(const char* name) {
     return FromUtf8(kSmallPath) + FromUtf8(name);
 }
 
-void ExpectPointerError(const std::function<void()>& save) {
+// The save raises E_POINTER with the message given, when one is.
+void ExpectPointerError(const std::function<void()>& save, const std::string& what = "") {
     try {
         save();
         ADD_FAILURE() << "no error";
     } catch (const ComError& e) {
         EXPECT_EQ(e.Error(), E_POINTER);
+        if (!what.empty()) {
+            EXPECT_TRUE(std::string(e.what()).ends_with(": " + what)) << e.what();
+        }
     }
 }
 
@@ -254,13 +258,15 @@ TEST(AttrConfigGenerator, FailedGenerationsLeaveTheFileAsItWas) {
 
     // A type file with another root.
     host.dir.Write(L"config/AttributeInformation.xml", "<属性信息><CZ type=\"1\"/></属性信息>");
-    ExpectPointerError([] { CAttrConfigStore().Save(); });
+    const std::string types = ToUtf8(host.ConfigDir()) + "/AttributeInformation.xml";
+    ExpectPointerError([] { CAttrConfigStore().Save(); },
+                       types + ": the root element is <属性信息>, not <属性参数信息>");
     EXPECT_EQ(ReadAttrFile(host), existing);
 
     // No type file, no attribute file.
     ASSERT_TRUE(std::filesystem::remove(ToUtf8(host.ConfigDir() + L"/AttributeInformation.xml")));
     ASSERT_TRUE(std::filesystem::remove(ToUtf8(AttrFile(host))));
-    ExpectPointerError([] { CAttrConfigStore().Save(); });
+    ExpectPointerError([] { CAttrConfigStore().Save(); }, types + ": file not found");
     EXPECT_FALSE(PathExists(AttrFile(host)));
 }
 
@@ -307,14 +313,71 @@ TEST(AttrConfigReader, WalksElementsByTheirNamesAndSkipsOtherSpecialties) {
     EXPECT_EQ(Lookup(reader, L"给排水\\风管\\x材质"), "none");
 }
 
-TEST(AttrConfigReader, MissingOrForeignFileGivesAnEmptyReader) {
+TEST(AttrConfigReader, FilesThatCantBeUsedGiveAnEmptyReaderThatSaysWhy) {
     TestHost host;
     PipeCatalog(host);
+    const std::string path = ToUtf8(AttrFile(host));
     EXPECT_TRUE(CAttrConfigStore(L"给排水").Records().empty());
+    EXPECT_EQ(CAttrConfigStore(L"给排水").LastError(), "") << "no file is no fault";
     EXPECT_FALSE(PathExists(AttrFile(host))) << "reading creates no file";
+
+    const std::string record =
+        "<CZ name=\"材质\" namecode=\"CZ\" vartype=\"2\" compar=\"0\" specrelation=\"1\"/>";
+    auto file = [&](const std::string& body) {
+        return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<属性类型配置信息>" + body +
+               "</属性类型配置信息>\n";
+    };
+    // Content, then the fault after "<path>: ", or "" when the reader uses it.
+    const std::pair<std::string, std::string> cases[] = {
+        {"<属性信息/>", "the root element is <属性信息>, not <属性类型配置信息>"},
+        {file("<给排水 name=\"给排水\">CZ<管道><给水管>" + record + "</给水管></管道></给排水>"),
+         "text where the large categories of 给排水 belong"},
+        {file("<给排水 name=\"给排水\"><管道><![CDATA[x]]><给水管>" + record +
+              "</给水管></管道></给排水>"),
+         "text where the small categories of 给排水\\管道 belong"},
+        {file("<给排水 name=\"给排水\"><管道><给水管>" + record + "材质</给水管></管道></给排水>"),
+         "text where the attribute records of 给排水\\管道\\给水管 belong"},
+        // Another specialty's faults are not this reader's; comments are no records.
+        {file("<电气 name=\"电气\">x</电气><给排水 name=\"给排水\"><!--a--><管道><!--b-->"
+              "<给水管><!--c--><?pi x?>" +
+              record + "</给水管></管道></给排水>"),
+         ""},
+    };
+    for (const auto& [content, fault] : cases) {
+        host.dir.Write(L"config/AttrConfig.xml", content);
+        CAttrConfigStore reader(L"给排水");
+        EXPECT_EQ(reader.LastError(), fault.empty() ? "" : path + ": " + fault) << content;
+        EXPECT_EQ(Lookup(reader, Key("材质")), fault.empty() ? "材质 CZ 201" : "none") << content;
+        EXPECT_EQ(reader.Records().size(), fault.empty() ? 1u : 0u) << content;
+    }
+
+    // A file that can't be parsed or read at all: the reader says so after the path, and the
+    // generator leaves it for the user to mend instead of starting it afresh.
+    auto expectRefused = [&](const std::string& what) {
+        CAttrConfigStore reader(L"给排水");
+        EXPECT_TRUE(reader.Records().empty()) << what;
+        EXPECT_TRUE(reader.LastError().starts_with(path + ": ")) << what << reader.LastError();
+        EXPECT_GT(reader.LastError().size(), path.size() + 2) << what;
+        EXPECT_EQ(reader.LastError().find('\n'), std::string::npos) << reader.LastError();
+        CAttrConfigStore generator;
+        try {
+            generator.Save();
+            ADD_FAILURE() << "generated over " << what;
+        } catch (const ComError& e) {
+            EXPECT_EQ(e.Error(), E_FAIL) << what;
+            EXPECT_TRUE(std::string(e.what()).ends_with(": " + reader.LastError())) << e.what();
+            EXPECT_EQ(generator.LastError(), reader.LastError());
+        }
+    };
+    host.dir.Write(L"config/AttrConfig.xml", "<属性信息/>");
+    expectRefused("another root");
     host.dir.Write(L"config/AttrConfig.xml", "not xml");
-    EXPECT_TRUE(CAttrConfigStore(L"给排水").Records().empty());
+    expectRefused("not xml");
     EXPECT_EQ(ReadAttrFile(host), "not xml");
+    ASSERT_TRUE(std::filesystem::remove(path));
+    ASSERT_TRUE(std::filesystem::create_directory(path));
+    expectRefused("a folder");
+    EXPECT_TRUE(std::filesystem::is_empty(path));
 }
 
 TEST(AttrConfigPresenter, JoinsTheTwoHalvesIntoTheKey) {
