@@ -13,7 +13,7 @@ broken=$(sha256sum "$current" | cut -d' ' -f1)
 
 "$workbench" --data "$work/pack" >"$work/wb.out" 2>"$work/wb.err" &
 wb=$!
-trap 'kill "$wb" 2>/dev/null; rm -rf "$work"' EXIT
+trap 'kill "$wb" 2>/dev/null || true; rm -rf "$work"' EXIT
 backup=
 for ((i = 0; i < 200; i++)); do
   [ -z "$backup" ] || break

@@ -18,3 +18,5 @@ if ! read -r -t 10 display <&3 || [ -z "$display" ]; then
   exit 77
 fi
 DISPLAY=":$display" QT_QPA_PLATFORM=xcb "$program" "$@"
+# Said explicitly: otherwise the status of the clean-up trap would be the script's.
+exit $?
