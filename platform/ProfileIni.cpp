@@ -6,20 +6,23 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // A profile is kept as its lines in the file's own bytes. Lookups use the decoded text of a
 // line; a write replaces, inserts or drops whole lines and leaves the bytes of every other
-// line alone, so nothing the decoder can't round-trip is ever rewritten.
+// line alone, so nothing the decoder can't round-trip is ever rewritten. Before anything is
+// written the new bytes are parsed again: every line must read as intended, or the write is
+// refused, so no change can alter how the rest of the file reads.
 
 namespace {
 
 enum class Encoding { Utf8, Utf8Bom, Utf16Le, Utf16Be, Gb18030 };
 
 struct Line {
-    std::string raw; // as in the file, line ending included
-    CString text;    // decoded, without the line ending
-    bool terminated = false;
+    std::string body;   // as in the file, up to the line ending
+    std::string ending; // "\r\n", "\n", a lone "\r" at the end of the file, or nothing
+    CString text;       // decoded body
 };
 
 struct Profile {
@@ -112,24 +115,30 @@ Profile Parse(std::string_view bytes) {
     const size_t unit = UnitSize(p.encoding);
     bool endingKnown = false;
     size_t start = 0;
-    for (size_t i = 0; i < bytes.size(); i += unit) {
-        bool last = i + unit >= bytes.size();
-        bool newline = i + unit <= bytes.size() && IsNewline(p.encoding, bytes.substr(i, unit));
-        if (!newline && !last)
-            continue;
+    while (start < bytes.size()) {
+        size_t i = start;
+        while (i + unit <= bytes.size() && !IsNewline(p.encoding, bytes.substr(i, unit)))
+            i += unit;
+        const bool newline = i + unit <= bytes.size();
         Line line;
-        line.raw = bytes.substr(start, i + unit - start);
-        line.terminated = newline;
-        line.text = Decode(p.encoding, newline ? bytes.substr(start, i - start) : line.raw);
-        bool cr = !line.text.IsEmpty() && line.text[line.text.GetLength() - 1] == L'\r';
-        if (cr)
-            line.text = line.text.Left(line.text.GetLength() - 1);
-        if (newline && !endingKnown) {
-            p.crlf = cr;
+        line.body = bytes.substr(start, (newline ? i : bytes.size()) - start);
+        line.text = Decode(p.encoding, line.body);
+        // A "\r" before the "\n", or alone at the end of the file, ends the line. Only a
+        // character that is a whole last unit decodes as '\r', so its bytes are that unit.
+        const int length = line.text.GetLength();
+        if (length > 0 && line.text[length - 1] == L'\r') {
+            line.text = line.text.Left(length - 1);
+            line.ending = line.body.substr(line.body.size() - unit);
+            line.body.resize(line.body.size() - unit);
+        }
+        if (newline) {
+            line.ending += bytes.substr(i, unit);
+            if (!endingKnown)
+                p.crlf = line.ending.size() > unit;
             endingKnown = true;
         }
         p.lines.push_back(std::move(line));
-        start = i + unit;
+        start = newline ? i + unit : bytes.size();
     }
     return p;
 }
@@ -137,24 +146,31 @@ Profile Parse(std::string_view bytes) {
 std::string Serialize(const Profile& p) {
     std::string out = p.bom;
     for (const Line& line : p.lines)
-        out += line.raw;
+        out += line.body + line.ending;
     return out;
 }
 
-Line MakeLine(const Profile& p, const CString& text) {
-    Line line;
-    line.text = text;
-    line.raw = Encode(p.encoding, text + (p.crlf ? L"\r\n" : L"\n"));
-    line.terminated = true;
-    return line;
+std::string NewlineOf(const Profile& p) {
+    return Encode(p.encoding, p.crlf ? L"\r\n" : L"\n");
 }
 
-// Gives the line a line ending before another is put after it.
+Line MakeLine(const Profile& p, const CString& text) {
+    return Line{Encode(p.encoding, text), NewlineOf(p), text};
+}
+
+// Gives the file's last line a line ending before another is put after it, without changing
+// how it reads.
 void Terminate(const Profile& p, Line& line) {
-    if (!line.terminated) {
-        line.raw += Encode(p.encoding, p.crlf ? L"\r\n" : L"\n");
-        line.terminated = true;
-    }
+    const std::string lf = Encode(p.encoding, L"\n");
+    if (line.ending.ends_with(lf))
+        return;
+    // An odd byte at the end of a UTF-16 file would pair with the ending's first byte and
+    // shift every unit after it; written as the U+FFFD it reads as, the line reads the same.
+    if (line.body.size() % UnitSize(p.encoding) != 0)
+        line.body = Encode(p.encoding, line.text);
+    // A lone "\r" already reads as the line's ending: a "\n" completes it, where a whole ending
+    // after it would turn the "\r" into text.
+    line.ending = line.ending.empty() ? NewlineOf(p) : line.ending + lf;
 }
 
 bool IsBlank(wchar_t c) {
@@ -269,6 +285,110 @@ int CopyOutList(const std::vector<CString>& names, CString& out, int bufferSize)
     return bufferSize - 2;
 }
 
+// Sets the key in the first section of the name, or appends the section.
+void SetKey(Profile& p, const CString& section, const CString& key, const CString& value) {
+    // A value with blanks around it, or wholly in quotes, would lose them on reading: in a
+    // further pair of quotes it reads back as it was given.
+    CString stored = value;
+    const int n = value.GetLength();
+    if (n > 0 && (IsBlank(value[0]) || IsBlank(value[n - 1]) ||
+                  (n >= 2 && (value[0] == L'"' || value[0] == L'\'') && value[n - 1] == value[0])))
+        stored = L"\"" + value + L"\"";
+
+    std::optional<SectionRange> r = FindSection(p, section);
+    if (!r) {
+        if (!p.lines.empty())
+            Terminate(p, p.lines.back());
+        p.lines.push_back(MakeLine(p, L"[" + TrimBlanks(section) + L"]"));
+        p.lines.push_back(MakeLine(p, TrimBlanks(key) + L"=" + stored));
+    } else if (std::optional<size_t> k = FindKey(p, *r, key)) {
+        // Keep the line's own spelling of the key, its spacing around '=' and its ending.
+        Line& line = p.lines[*k];
+        int equals = 0;
+        KeyName(line.text, &equals);
+        int valueStart = equals + 1;
+        while (valueStart < line.text.GetLength() && IsBlank(line.text[valueStart]))
+            ++valueStart;
+        line.text = line.text.Left(valueStart) + stored;
+        line.body = Encode(p.encoding, line.text);
+    } else {
+        // After the section's last non-blank line, so blank lines before the next section
+        // stay where they are.
+        size_t at = r->end;
+        while (at > r->header + 1 && TrimBlanks(p.lines[at - 1].text).IsEmpty())
+            --at;
+        Terminate(p, p.lines[at - 1]);
+        p.lines.insert(p.lines.begin() + static_cast<std::ptrdiff_t>(at),
+                       MakeLine(p, TrimBlanks(key) + L"=" + stored));
+    }
+}
+
+// Removes every line of the key from the first section of the name, the one reads look in,
+// so that no later line of the same key comes to light. Returns whether there was one.
+bool RemoveKey(Profile& p, const CString& section, const CString& key) {
+    std::optional<SectionRange> r = FindSection(p, section);
+    bool removed = false;
+    while (std::optional<size_t> k = r ? FindKey(p, *r, key) : std::nullopt) {
+        p.lines.erase(p.lines.begin() + static_cast<std::ptrdiff_t>(*k));
+        --r->end;
+        removed = true;
+    }
+    return removed;
+}
+
+// Removes every section of the name, for the same reason. Returns whether there was one.
+bool RemoveSection(Profile& p, const CString& section) {
+    bool removed = false;
+    while (std::optional<SectionRange> r = FindSection(p, section)) {
+        p.lines.erase(p.lines.begin() + static_cast<std::ptrdiff_t>(r->header),
+                      p.lines.begin() + static_cast<std::ptrdiff_t>(r->end));
+        removed = true;
+    }
+    return removed;
+}
+
+// Whether a read of the section and key finds what the write asked for: the value, or
+// nothing after a removal.
+bool ReadsAsWritten(const Profile& p, const wchar_t* section, const wchar_t* key,
+                    const wchar_t* value) {
+    std::optional<SectionRange> r = FindSection(p, section);
+    if (!key)
+        return !r;
+    std::optional<size_t> k = r ? FindKey(p, *r, key) : std::nullopt;
+    if (!value || !k)
+        return !value && !k;
+    int equals = 0;
+    KeyName(p.lines[*k].text, &equals);
+    return ValueOf(p.lines[*k].text, equals) == value;
+}
+
+bool SameLines(const Profile& a, const Profile& b) {
+    if (a.lines.size() != b.lines.size())
+        return false;
+    for (size_t i = 0; i < a.lines.size(); ++i)
+        if (!(a.lines[i].text == b.lines[i].text))
+            return false;
+    return true;
+}
+
+// The file's new bytes, provided that reading them gives every line its intended text;
+// nothing when no bytes do.
+std::optional<std::string> BytesReadingAsIntended(Profile& p) {
+    std::string bytes = Serialize(p);
+    if (SameLines(Parse(bytes), p))
+        return bytes;
+    if (p.encoding == Encoding::Gb18030) {
+        // The bytes that made the file invalid UTF-8 are gone, and as UTF-8 some line would
+        // read otherwise. GB18030's own signature, U+FEFF, on a first line of its own keeps
+        // the file invalid UTF-8 and reads as no section and no key.
+        p.lines.insert(p.lines.begin(), MakeLine(p, CString(L"\xFEFF")));
+        bytes = Serialize(p);
+        if (SameLines(Parse(bytes), p))
+            return bytes;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 int GetPrivateProfileStringW(const wchar_t* section, const wchar_t* key,
@@ -319,51 +439,23 @@ bool WritePrivateProfileStringW(const wchar_t* section, const wchar_t* key, cons
     else if (PathExists(file))
         return false; // there but unreadable: never overwrite what we couldn't read
 
-    std::optional<SectionRange> r = FindSection(p, section);
-    if (!key || !value) {
-        if (!r)
+    if (!key) {
+        if (!RemoveSection(p, section))
             return true; // nothing to remove
-        if (!key) {
-            p.lines.erase(p.lines.begin() + static_cast<std::ptrdiff_t>(r->header),
-                          p.lines.begin() + static_cast<std::ptrdiff_t>(r->end));
-        } else {
-            std::optional<size_t> k = FindKey(p, *r, key);
-            if (!k)
-                return true;
-            p.lines.erase(p.lines.begin() + static_cast<std::ptrdiff_t>(*k));
-        }
-        return WriteFileAtomically(file, Serialize(p));
-    }
-
-    CString keyText = TrimBlanks(key);
-    CString valueText(value);
-    if (!r) {
-        if (!p.lines.empty())
-            Terminate(p, p.lines.back());
-        p.lines.push_back(MakeLine(p, L"[" + TrimBlanks(section) + L"]"));
-        p.lines.push_back(MakeLine(p, keyText + L"=" + valueText));
-    } else if (std::optional<size_t> k = FindKey(p, *r, key)) {
-        // Keep the line's own spelling of the key and its spacing around '='.
-        Line& line = p.lines[*k];
-        int equals = 0;
-        KeyName(line.text, &equals);
-        int valueStart = equals + 1;
-        while (valueStart < line.text.GetLength() && IsBlank(line.text[valueStart]))
-            ++valueStart;
-        bool terminated = line.terminated;
-        line = MakeLine(p, line.text.Left(valueStart) + valueText);
-        if (!terminated) // the file's last line had no ending; don't add one
-            line.raw = Encode(p.encoding, line.text);
-        line.terminated = terminated;
+    } else if (!value) {
+        if (!RemoveKey(p, section, key))
+            return true;
     } else {
-        // After the section's last non-blank line, so blank lines before the next section
-        // stay where they are.
-        size_t at = r->end;
-        while (at > r->header + 1 && TrimBlanks(p.lines[at - 1].text).IsEmpty())
-            --at;
-        Terminate(p, p.lines[at - 1]);
-        p.lines.insert(p.lines.begin() + static_cast<std::ptrdiff_t>(at),
-                       MakeLine(p, keyText + L"=" + valueText));
+        // A line break would end the line early and start lines of the caller's making.
+        for (const wchar_t* s : {section, key, value})
+            if (std::wstring_view(s).find_first_of(L"\r\n") != std::wstring_view::npos)
+                return false;
+        SetKey(p, section, key, value);
     }
-    return WriteFileAtomically(file, Serialize(p));
+    // Names the file's lines can't hold (a key with '=', a section with ']', an empty key)
+    // would read as something else: refused rather than written.
+    if (!ReadsAsWritten(p, section, key, value))
+        return false;
+    std::optional<std::string> out = BytesReadingAsIntended(p);
+    return out && WriteFileAtomically(file, *out);
 }

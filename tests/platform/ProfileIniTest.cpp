@@ -5,6 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cwctype>
+#include <map>
+#include <utility>
+#include <vector>
+
 namespace {
 
 CString Get(const CString& file, const wchar_t* section, const wchar_t* key,
@@ -13,6 +18,45 @@ CString Get(const CString& file, const wchar_t* section, const wchar_t* key,
     int n = GetPrivateProfileStringW(section, key, def, out, size, file);
     EXPECT_EQ(n, out.GetLength());
     return out;
+}
+
+// Names as the API compares them: without surrounding blanks and case.
+std::wstring Fold(std::wstring s) {
+    while (!s.empty() && (s.back() == L' ' || s.back() == L'\t'))
+        s.pop_back();
+    while (!s.empty() && (s.front() == L' ' || s.front() == L'\t'))
+        s.erase(0, 1);
+    for (wchar_t& c : s)
+        c = static_cast<wchar_t>(std::towlower(static_cast<wint_t>(c)));
+    return s;
+}
+
+// Every section and key the file shows through the API, with the value each reads as; a
+// section is there under the empty key, which no line can name.
+using Readings = std::map<std::pair<std::wstring, std::wstring>, std::wstring>;
+
+Readings ReadAll(const CString& file) {
+    auto names = [&](const wchar_t* section) {
+        std::wstring list = Get(file, section, nullptr, L"", 1 << 16).str();
+        std::vector<std::wstring> out;
+        for (size_t at = 0, end; (end = list.find(L'\0', at)) != std::wstring::npos; at = end + 1)
+            out.push_back(list.substr(at, end - at));
+        return out;
+    };
+    Readings r;
+    for (const std::wstring& s : names(nullptr)) {
+        r[{Fold(s), L""}] = L"[section]";
+        for (const std::wstring& k : names(s.c_str()))
+            r[{Fold(s), Fold(k)}] = Get(file, s.c_str(), k.c_str(), L"<none>", 1 << 16).str();
+    }
+    return r;
+}
+
+std::string Utf16Be(const std::string& utf8) {
+    std::string bytes = Utf8ToUtf16Le(utf8);
+    for (size_t i = 0; i + 1 < bytes.size(); i += 2)
+        std::swap(bytes[i], bytes[i + 1]);
+    return "\xFE\xFF" + bytes;
 }
 
 } // namespace
@@ -103,4 +147,91 @@ TEST(ProfileIniTest, KeepsUtf16AndGb18030Files) {
     EXPECT_EQ(Get(legacy, L"配置", L"名称"), L"暖通");
     ASSERT_TRUE(WritePrivateProfileStringW(L"配置", L"x", L"给排水", legacy));
     EXPECT_EQ(dir.Read(L"g.ini"), gb + "x=\xB8\xF8\xC5\xC5\xCB\xAE\n");
+
+    // Without its one GB18030 line the rest would be valid UTF-8 and read otherwise: a line
+    // above it all keeps the file GB18030 and the rest as it was.
+    const std::string rest = "[s]\r\na=\xC3\xA9\r\n";
+    CString flip = dir.Write(L"f.ini", rest + "k=\xC5\xE4\r\n");
+    ASSERT_TRUE(WritePrivateProfileStringW(L"s", L"k", nullptr, flip));
+    EXPECT_TRUE(dir.Read(L"f.ini").ends_with("\r\n" + rest));
+    EXPECT_EQ(Get(flip, L"s", L"a"), L"茅");
+}
+
+TEST(ProfileIniTest, AWriteChangesHowNoOtherKeyReads) {
+    using namespace std::string_literals;
+    const std::string gbOnly = "\xC5\xE4"; // GB18030, not UTF-8
+    const std::string both = "\xC3\xA9";   // GB18030 that is also UTF-8, reading otherwise
+    const std::string files[] = {
+        // Empty, a BOM alone, UTF-16 ending in an odd byte.
+        "",
+        "\xEF\xBB\xBF",
+        "\xFF\xFE",
+        "\xFF\xFE" + Utf8ToUtf16Le("[s]\r\na=1\r\n[t]\r\nb=2") + "X",
+        Utf16Be("[t]\nb=2\r") + "Y",
+        // Read as GB18030 only for k's line, or only for section t.
+        "[s]\r\na=" + both + "\r\nk=" + gbOnly + "\r\n",
+        "[s]\na=" + both + "\n[t]\nz=" + gbOnly + "\n",
+        "[s]\na=" + gbOnly + "\n[t]\nb=\x81",
+        "\xEF\xBB\xBF[s]\nb=\xFF\n[t]",
+        // A lone "\r" at the end, after "\r\n" or "\n" line breaks; "\r" inside lines.
+        "[s]\r\na=1\r\n[t]\r\nb=2\r",
+        "[s]\na=1\r\n[t]\nb=2\r",
+        "[s]\r\na=1\rb=2\r\r\nc= 3 \r\n[t]\r",
+        "[s]\r[t]\rb=1\r",
+        "[s]\nb=2",
+        // A section twice, a key twice; blanks around names; lines before any section; NULs.
+        "[s]\na=1\nk=first\nK=second\n[t]\nx=1\n[S]\nk=third\nb=2\n",
+        " [ s ] \n  a  =  1  \n\tk\t=\t' q '\n\n[t]\n\n",
+        "k=0\n\n[s]\n;k=c\n\n[t]\nb=1",
+        "[s]\na=1\0x\nk=\0\n[t]\0\n"s,
+    };
+    struct Write {
+        const wchar_t* section;
+        const wchar_t* key;
+        const wchar_t* value;
+    };
+    const Write writes[] = {
+        {L"s", L"k", L"新值"},    {L"S", L"A", L" 'q' "},   {L" s ", L"b", L"\"x\""},
+        {L"new", L"k", L""},      {L"t", L" k ", L"1"},     {L"s", L"k", nullptr},
+        {L"s", nullptr, nullptr}, {L"T", nullptr, nullptr},
+    };
+    TempDir dir;
+    for (size_t f = 0; f < std::size(files); ++f) {
+        for (const Write& w : writes) {
+            SCOPED_TRACE(testing::Message()
+                         << "file " << f << ", section " << ToUtf8(CString(w.section)) << ", key "
+                         << (w.key ? ToUtf8(CString(w.key)) : "-"));
+            CString file = dir.Write(L"p.ini", files[f]);
+            Readings expected = ReadAll(file);
+            const std::wstring section = Fold(w.section);
+            if (!w.key)
+                std::erase_if(expected, [&](const auto& r) { return r.first.first == section; });
+            else if (!w.value)
+                expected.erase({section, Fold(w.key)});
+            else {
+                expected[{section, L""}] = L"[section]";
+                expected[{section, Fold(w.key)}] = w.value;
+            }
+
+            EXPECT_TRUE(WritePrivateProfileStringW(w.section, w.key, w.value, file));
+            EXPECT_EQ(ReadAll(file), expected);
+        }
+    }
+}
+
+TEST(ProfileIniTest, RefusesWritesThatWouldReadOtherwise) {
+    TempDir dir;
+    for (const std::string& bytes : {std::string("[s]\nk=1\n"), std::string("[s]\nk=\xC5\xE4\n")}) {
+        CString file = dir.Write(L"p.ini", bytes);
+        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L"k=j", L"v", file));
+        EXPECT_FALSE(WritePrivateProfileStringW(L"s]t", L"k", L"v", file));
+        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L";k", L"v", file));
+        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L" ", L"v", file));
+        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L"k", L"1\n[t]\nk=2", file));
+        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L"k", L"1\r2", file));
+        EXPECT_FALSE(WritePrivateProfileStringW(L"s\n", L"k", L"v", file));
+        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L"k", L"\xD800", file))
+            << "no encoding holds it";
+        EXPECT_EQ(dir.Read(L"p.ini"), bytes);
+    }
 }
