@@ -2,6 +2,7 @@
 
 #include "platform/ComError.h"
 #include "platform/MessageBox.h"
+#include "xml/XmlName.h"
 
 #include <new>
 
@@ -11,30 +12,10 @@ bool IsElement(XmlNode node) {
     return node.type() == pugi::node_element;
 }
 
-// The name characters of XML 1.0: a DOM refuses to make an element or attribute of any other
-// name, and a file holding one would not load again.
-bool IsNameStartChar(wchar_t c) {
-    auto u = static_cast<char32_t>(c);
-    return (u >= 'A' && u <= 'Z') || (u >= 'a' && u <= 'z') || u == '_' || u == ':' ||
-           (u >= 0xC0 && u <= 0xD6) || (u >= 0xD8 && u <= 0xF6) || (u >= 0xF8 && u <= 0x2FF) ||
-           (u >= 0x370 && u <= 0x37D) || (u >= 0x37F && u <= 0x1FFF) ||
-           (u >= 0x200C && u <= 0x200D) || (u >= 0x2070 && u <= 0x218F) ||
-           (u >= 0x2C00 && u <= 0x2FEF) || (u >= 0x3001 && u <= 0xD7FF) ||
-           (u >= 0xF900 && u <= 0xFDCF) || (u >= 0xFDF0 && u <= 0xFFFD) ||
-           (u >= 0x10000 && u <= 0xEFFFF);
-}
-
-bool IsNameChar(wchar_t c) {
-    auto u = static_cast<char32_t>(c);
-    return IsNameStartChar(c) || u == '-' || u == '.' || (u >= '0' && u <= '9') || u == 0xB7 ||
-           (u >= 0x300 && u <= 0x36F) || (u >= 0x203F && u <= 0x2040);
-}
-
+// A DOM refuses to make an element or attribute of a name XML does not allow, and a file
+// holding one would not load again.
 void CheckName(const CString& name) {
-    bool ok = !name.IsEmpty() && IsNameStartChar(name[0]);
-    for (int i = 1; ok && i < name.GetLength(); ++i)
-        ok = IsNameChar(name[i]);
-    if (!ok)
+    if (!IsXmlName(ToUtf8(name)))
         throw ComError(E_INVALIDARG, "not a valid XML name: \"" + ToUtf8(name) + "\"");
 }
 

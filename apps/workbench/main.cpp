@@ -356,7 +356,13 @@ int main(int argc, char** argv) {
         saved = SavePng(RenderWindow(*window), options.screenshot);
         return IDCANCEL;
     });
-    RunChosenDialog(options, false);
+    try {
+        RunChosenDialog(options, false);
+    } catch (const std::exception& e) {
+        SetActiveWindowProvider(nullptr);
+        std::fprintf(stderr, "koqdde-workbench: the dialog failed: %s\n", e.what());
+        return 3;
+    }
     SetActiveWindowProvider(nullptr);
     if (!saved) {
         std::fprintf(stderr, "koqdde-workbench: cannot write %s\n", failed.c_str());
