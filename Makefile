@@ -3,10 +3,13 @@
 
 BUILD      ?= build
 BUILD_ASAN ?= build-asan
+BUILD_FUZZ ?= build-fuzz
+# Seconds of fuzzing per harness in `make test` (each also runs its committed inputs once).
+FUZZ_SECONDS ?= 15
 JOBS       ?= 2
 CMAKE_FLAGS ?=
 
-.PHONY: all deps build build-asan run test test-plain test-asan format clean
+.PHONY: all deps build build-asan build-fuzz run test test-plain test-asan test-fuzz format clean
 
 all: build
 
@@ -18,6 +21,11 @@ $(BUILD)/build.ninja:
 
 $(BUILD_ASAN)/build.ninja:
 	cmake -S . -B $(BUILD_ASAN) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKOQDDE_SANITIZE=ON $(CMAKE_FLAGS)
+
+$(BUILD_FUZZ)/build.ninja:
+	cmake -S . -B $(BUILD_FUZZ) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DCMAKE_CXX_COMPILER=clang++ -DKOQDDE_FUZZ=ON -DKOQDDE_GUI=OFF -DKOQDDE_TESTS=OFF \
+	  -DKOQDDE_BENCH=OFF $(CMAKE_FLAGS)
 
 build: deps $(BUILD)/build.ninja
 	ninja -C $(BUILD) -j$(JOBS)
@@ -38,10 +46,25 @@ test-asan: build-asan
 	  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp \
 	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 ctest --output-on-failure -j$(JOBS)
 
-test: test-plain test-asan
+# The libFuzzer harnesses of tests/fuzz, in a clang build of their own; skipped, and said so,
+# where clang++ is missing (install-deps installs it).
+build-fuzz: deps
+	@if command -v clang++ >/dev/null; then \
+	  $(MAKE) --no-print-directory $(BUILD_FUZZ)/build.ninja && \
+	  ninja -C $(BUILD_FUZZ) -j$(JOBS) koqdde-fuzzers; \
+	fi
+
+test-fuzz: build-fuzz
+	@if command -v clang++ >/dev/null; then \
+	  tests/fuzz/run.sh $(BUILD_FUZZ) $(FUZZ_SECONDS); \
+	else \
+	  echo "fuzz: skipped, clang++ is not installed"; \
+	fi
+
+test: test-plain test-asan test-fuzz
 
 format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) $(BUILD_ASAN)
+	rm -rf $(BUILD) $(BUILD_ASAN) $(BUILD_FUZZ)
