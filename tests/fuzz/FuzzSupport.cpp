@@ -65,6 +65,9 @@ void Fail(const char* property, const std::string& detail) {
     if (!detail.empty())
         std::fprintf(stderr, "%s\n", detail.c_str());
     std::fflush(stderr);
+    // The trap skips static destructors: the scratch folder goes now, or it stays behind.
+    std::error_code ec;
+    std::filesystem::remove_all(ScratchDir(), ec);
     __builtin_trap();
 }
 

@@ -1,7 +1,8 @@
-// Attribute settings (AttrConfig.xml): the generator extends whatever file it finds. After
-// it ran, the file loads, every record outside the categories it generates reads as before,
-// a category that held nothing holds exactly the generated records, and running it again
-// writes the same bytes.
+// Attribute settings (AttrConfig.xml): readers never raise and hold nothing from a file they
+// can't use; the generator refuses such a file and leaves it alone, and extends any other.
+// After it ran, the file loads, every record outside the category it generates reads as
+// before, a category that held nothing holds exactly the generated records, and running it
+// again writes the same bytes.
 
 #include "FuzzSupport.h"
 
@@ -53,12 +54,24 @@ std::string Text(const AttrConfig& r) {
            std::to_string(r.compar) + "|" + std::to_string(r.specrelation);
 }
 
-// The records of a specialty as the reader sees them.
-Records Read(const CString& spec) {
-    Records out;
-    CAttrConfigStore reader(spec);
-    for (const auto& [key, record] : reader.Records())
-        out[key] = Text(record);
+// What a reader of a specialty holds, and why it could not use the file (or "").
+struct Reading {
+    Records records;
+    std::string error;
+};
+
+Reading Read(const CString& spec) {
+    Reading out;
+    try {
+        CAttrConfigStore reader(spec);
+        for (const auto& [key, record] : reader.Records())
+            out.records[key] = Text(record);
+        out.error = reader.LastError();
+    } catch (const ComError& e) {
+        fuzz::Fail("a reader never raises", e.what());
+    }
+    fuzz::Check(out.error.empty() || out.records.empty(),
+                "a reader that can't use its file holds no records", out.error);
     return out;
 }
 
@@ -66,9 +79,9 @@ bool Generated(const CString& key) {
     return key.Find(kGenerated) == 0;
 }
 
-std::string Show(const Records& records) {
-    std::string out;
-    for (const auto& [key, text] : records)
+std::string Show(const Reading& reading) {
+    std::string out = reading.error.empty() ? "" : "error: " + reading.error + "\n";
+    for (const auto& [key, text] : reading.records)
         out += ToUtf8(key) + " -> " + text + "\n";
     return out;
 }
@@ -99,52 +112,55 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     XmlDocument doc;
     const bool loaded = doc.Load(FromUtf8(path));
-    // Another document element: reader and generator refuse the file by raising.
-    const bool foreign = loaded && doc.DocumentElement().name() != ToUtf8(CString(kRootName));
+    // A file that does not load, or has another document element, is no settings file: the
+    // readers say so and hold nothing, and the generator refuses it and leaves it alone.
+    const bool usable = loaded && doc.DocumentElement().name() == ToUtf8(CString(kRootName));
     const std::vector<CString> specs = Specialties(doc, loaded);
 
-    std::map<CString, Records> before;
+    std::map<CString, Reading> before;
+    for (const CString& spec : specs) {
+        before[spec] = Read(spec);
+        fuzz::Check(usable || !before[spec].error.empty(),
+                    "a reader says why it can't use the file");
+    }
+    const std::string original = fuzz::ReadBytes(path);
     try {
-        for (const CString& spec : specs)
-            before[spec] = Read(spec);
         CAttrConfigStore generator;
         fuzz::Check(generator.Save(), "the generator saves");
     } catch (const ComError& e) {
-        fuzz::Check(foreign, "reader and generator raise only on another document element",
-                    e.what());
+        fuzz::Check(!usable, "the generator raises only on a file it can't use", e.what());
+        fuzz::Check(fuzz::ReadBytes(path) == original, "a refused file is left as it was");
         return 0;
     }
-    fuzz::Check(!foreign, "a file with another document element is refused");
+    fuzz::Check(usable, "the generator refuses a file it can't use");
     const std::string saved = fuzz::ReadBytes(path);
     XmlDocument reloaded;
     fuzz::Check(reloaded.Load(FromUtf8(path)), "a generated file loads",
                 reloaded.LastError() + "\n--- saved bytes:\n" + saved);
 
     for (const CString& spec : specs) {
-        Records after;
-        try {
-            after = Read(spec);
-        } catch (const ComError& e) {
-            fuzz::Fail("a generated file reads without raising", e.what());
-        }
+        const Reading& old = before[spec];
+        const Reading now = Read(spec);
+        const std::string detail = "specialty " + ToUtf8(spec) + "\n--- before:\n" + Show(old) +
+                                   "--- after:\n" + Show(now) + "--- saved bytes:\n" + saved;
+        fuzz::Check(old.error.empty() == now.error.empty(),
+                    "generation leaves a specialty as usable as it was", detail);
         Records kept, expected;
         bool empty = true;
-        for (const auto& [key, text] : before[spec]) {
+        for (const auto& [key, text] : old.records) {
             if (Generated(key))
                 empty = false;
-            else if (loaded)
+            else
                 expected[key] = text;
         }
-        if (spec == L"给排水" && empty) {
+        if (spec == L"给排水" && empty && old.error.empty()) {
             expected[CString(kGenerated) + L"材质"] = "材质|CZ|1|1|0";
             expected[CString(kGenerated) + L"管径"] = "管径|GJ|1|1|1";
         }
-        for (const auto& [key, text] : after)
+        for (const auto& [key, text] : now.records)
             if (!Generated(key) || empty)
                 kept[key] = text;
-        fuzz::Check(kept == expected, "generation keeps other records and writes its own",
-                    "specialty " + ToUtf8(spec) + "\n--- before:\n" + Show(before[spec]) +
-                        "--- after:\n" + Show(after) + "--- saved bytes:\n" + saved);
+        fuzz::Check(kept == expected, "generation keeps other records and writes its own", detail);
     }
 
     try {
