@@ -137,12 +137,19 @@ std::string CheckReferences(std::string_view text) {
     return {};
 }
 
-// Empty when no element lies deeper than kMaxXmlDepth; otherwise why not. Walked without
-// recursion, since the point is to refuse a depth that would exhaust a stack.
-std::string CheckDepth(const pugi::xml_document& doc) {
+// Empty when no element lies deeper than kMaxXmlDepth and every comment is one XML allows;
+// otherwise why not. Walked without recursion, since the point is to refuse a depth that would
+// exhaust a stack. The parser takes "--" inside a comment, which a save could only write back
+// changed.
+std::string CheckTree(const pugi::xml_document& doc) {
     unsigned depth = 1; // of `node`: the document's children are at level 1
     pugi::xml_node node = doc.first_child();
     while (node) {
+        if (node.type() == pugi::node_comment) {
+            const std::string_view text = node.value();
+            if (text.find("--") != std::string_view::npos || text.ends_with('-'))
+                return "a comment holds \"--\" or ends with \"-\"";
+        }
         if (node.first_child()) {
             node = node.first_child();
             if (++depth > kMaxXmlDepth)
@@ -394,7 +401,7 @@ bool XmlDocument::Parse(std::string_view utf8, TextEncoding encoding,
         return Fail(result.description() + AtOffset(static_cast<size_t>(result.offset)));
     if (std::string error = CheckTopLevel(m_doc, utf8); !error.empty())
         return Fail(std::move(error));
-    if (std::string error = CheckDepth(m_doc); !error.empty())
+    if (std::string error = CheckTree(m_doc); !error.empty())
         return Fail(std::move(error));
     m_encoding = encoding;
     m_legacyName = legacyName;

@@ -94,6 +94,8 @@ TEST(XmlDocumentTest, RefusesMalformedInputAndEmptiesTheDocument) {
         {"declaration out of order", "<?xml encoding=\"UTF-8\" version=\"1.0\"?><root/>"},
         {"encoding not read here", "<?xml version=\"1.0\" encoding=\"Shift_JIS\"?><root/>"},
         {"nested too deep", Nested(kMaxXmlDepth + 1)},
+        {"double hyphen in a comment", "<root><!--x--y--></root>"},
+        {"comment ending in a hyphen", "<root/><!--x--->"},
     };
     XmlDocument doc;
     for (const auto& [name, bytes] : cases) {
