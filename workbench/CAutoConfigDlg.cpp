@@ -17,6 +17,7 @@ using namespace AutoConfigIds;
 CAutoConfigDlg::CAutoConfigDlg(const CString& strFile, CWnd* pParent)
     : CDialog(IDD, pParent), m_dlgSelQdDe(nullptr), m_dlgSelDe(nullptr) {
     m_pPresenter = new CQdDeConfigPresenter(strFile);
+    HoldOpenFile();
     m_dlgSelQdDe.SetShowGetQdNumDlg(false);
     m_nCurConfigId = 0;
 }
@@ -465,12 +466,17 @@ void CAutoConfigDlg::RebuildPanes() {
     RefreshConfigList(m_vecConfig);
 }
 
+void CAutoConfigDlg::HoldOpenFile() {
+    m_openLock.LockShared(m_pPresenter->GetData()->GetFilePath());
+}
+
 void CAutoConfigDlg::OnNewFile() {
     DlgSaveAs dialog(DlgSaveAs::kNew, this, m_pPresenter->GetCurConfigDetailPath());
     if (dialog.DoModal() != IDOK)
         return;
     if (!m_pPresenter->NewFile(dialog.GetFullFileName()))
         return;
+    HoldOpenFile();
     UpdateTitle();
     RebuildPanes();
 }
@@ -483,6 +489,7 @@ void CAutoConfigDlg::OnOpenFile() {
         ShowWarning(L"文件功能不匹配!");
         return;
     }
+    HoldOpenFile();
     UpdateTitle();
     RebuildPanes();
 }
@@ -504,6 +511,7 @@ void CAutoConfigDlg::OnImportFromCloud() {
     CString file = QvKoSettings::GetAppProfile().GetConfigPath() + L"/自动套配置/" +
                    m_pPresenter->GetCurConfig() + L".xml";
     m_pPresenter->ReLoad(file);
+    HoldOpenFile();
     RebuildPanes();
 }
 

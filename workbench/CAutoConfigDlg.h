@@ -11,6 +11,8 @@
 #include "model/CPath.h"
 #include "model/ConfigNode.h"
 #include "platform/CString.h"
+#include "platform/FileLock.h"
+#include "platform/FileLock.h"
 #include "presenter/CQdDeConfigPresenter.h"
 #include "ui/Controls.h"
 #include "workbench/CExListBox.h"
@@ -136,6 +138,8 @@ protected:
     void OnMoveUpConfig();
     void OnMoveDownConfig();
     void OnNewFile();
+    // Moves the open-file lock to the file the presenter is on now.
+    void HoldOpenFile();
     void OnOpenFile();
     void OnSaveFileAs();
     void OnImportFromCloud();
@@ -154,6 +158,9 @@ protected:
     void HidePickers();
 
     CQdDeConfigPresenter* m_pPresenter = nullptr;
+    // The open file, held shared for as long as the workbench has it open: the tool then
+    // refuses edits that the save on close would overwrite.
+    FileLock m_openLock;
     std::vector<ConfigNode*> m_vecConfig;
     CStringArray m_arrAttDropKey;
     std::map<CString, CString> m_mapAttCode;

@@ -302,12 +302,11 @@ int main(int argc, char** argv) {
     SetActiveWindowProvider(koqdde::ui::QtActiveWindow);
 
     if (options.screenshot.empty()) {
-        // The workbench holds the configuration it opens shared for as long as it is open:
-        // the tool then refuses edits that its save on close would overwrite.
-        FileLock openLock;
         if (!options.wizard && !options.attrDialog) {
+            // Held while the user reads about the copy, as the workbench holds its file after.
+            FileLock opening;
             const CString current = CQdDeConfigPresenter::GetCurConfigDetailPath();
-            openLock.LockShared(current);
+            opening.LockShared(current);
             BackUpUnloadableConfiguration(current);
         }
         // A failure a dialog does not handle itself (the attribute dialog's save raises one by

@@ -2,6 +2,7 @@
 // as the user drives them: buttons by id, the side dialogs answered through the modal hook.
 
 #include "host/ui/KoCloudKit/KoCloudKit.h"
+#include "platform/FileLock.h"
 #include "platform/FileSystem.h"
 #include "presenter/CAutoQdDeConfigFacade.h"
 #include "tests/workbench/WorkbenchFixture.h"
@@ -116,6 +117,12 @@ TEST(WorkbenchFiles, NewOpenAndSaveAsSwitchOrCopyTheFileAsTheCommandSays) {
         ClickDlgItem(dlg, kOpenFile);
         EXPECT_EQ(Title(dlg), L"自动套配置-[ 清单模式: 副本 ]");
         EXPECT_EQ(Column(dlg, 0).size(), 2u);
+        // The open-file lock went with the switch: an edit of the open file is told the
+        // workbench has it, one of the file left behind goes ahead.
+        EXPECT_EQ(FileLock().LockForEdit(ConfigFile(host, L"副本"), 0),
+                  FileLock::Outcome::HeldOpen);
+        EXPECT_EQ(FileLock().LockForEdit(ConfigFile(host, L"新文件"), 0),
+                  FileLock::Outcome::Locked);
         CTreeCtrl& tree = Ctl<CTreeCtrl>(dlg, kTree);
         EXPECT_EQ(tree.GetItemText(tree.GetSelectedItem()), L"给水管");
 
