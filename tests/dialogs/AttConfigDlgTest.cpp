@@ -6,6 +6,7 @@
 #include "platform/ComError.h"
 #include "platform/FileSystem.h"
 #include "support/TestHost.h"
+#include "support/ui/DialogProbe.h"
 #include "ui/ModalHook.h"
 
 #include <gtest/gtest.h>
@@ -18,6 +19,8 @@
 
 using koqdde::ui::ClickDlgItem;
 using koqdde::ui::SelectDlgItem;
+
+using koqdde::test::ItemTexts;
 
 namespace {
 
@@ -66,22 +69,7 @@ const CString kAttrFile = L"config/AttrConfig.xml";
 
 int RunDialog(const std::function<void(CDialog&)>& act) {
     CDlgAttConfig dlg;
-    koqdde::ui::ModalHookScope hook([&](CDialog& d) {
-        act(d);
-        return d.GetEndResult();
-    });
-    return dlg.DoModal();
-}
-
-Texts Entries(CDialog& d, int id) {
-    Texts texts;
-    if (auto* list = dynamic_cast<CListBox*>(d.GetDlgItem(id)))
-        for (int i = 0; i < list->GetCount(); ++i)
-            texts.push_back(list->GetText(i));
-    if (auto* combo = dynamic_cast<CComboBox*>(d.GetDlgItem(id)))
-        for (int i = 0; i < combo->GetCount(); ++i)
-            texts.push_back(combo->GetLBText(i));
-    return texts;
+    return koqdde::test::RunModal(dlg, act);
 }
 
 // The boxes' selections: vartype, compar, specrelation.
@@ -121,13 +109,13 @@ TEST(AttConfigDlg, TreeAndListsFollowTheCategoryAndTheBoxesTheRecord) {
         EXPECT_EQ(tree.GetNextSiblingItem(Item(d, {0, 1})), nullptr);
         EXPECT_EQ(tree.GetItemData(Item(d, {0, 1})), 103);
         EXPECT_EQ(tree.GetSelectedItem(), Item(d, {0, 0}));
-        EXPECT_EQ(Entries(d, kAttrList), (Texts{L"管径", L"材质", L"系统编号"}));
-        EXPECT_EQ(Entries(d, kSmallList), (Texts{L"给水管", L"排水管"}));
+        EXPECT_EQ(ItemTexts(d, kAttrList), (Texts{L"管径", L"材质", L"系统编号"}));
+        EXPECT_EQ(ItemTexts(d, kSmallList), (Texts{L"给水管", L"排水管"}));
 
         // The first record was shown while the boxes were empty: none is selected yet.
-        EXPECT_EQ(Entries(d, kVarType), (Texts{L"1.下拉", L"2.下拉可填", L"3.无下拉项"}));
-        EXPECT_EQ(Entries(d, kCompar), (Texts{L"不可比较", L"可比较"}));
-        EXPECT_EQ(Entries(d, kSpecRelation), (Texts{L"O.材质相关", L"X.材质无关"}));
+        EXPECT_EQ(ItemTexts(d, kVarType), (Texts{L"1.下拉", L"2.下拉可填", L"3.无下拉项"}));
+        EXPECT_EQ(ItemTexts(d, kCompar), (Texts{L"不可比较", L"可比较"}));
+        EXPECT_EQ(ItemTexts(d, kSpecRelation), (Texts{L"O.材质相关", L"X.材质无关"}));
         EXPECT_EQ(Shown(d), (Numbers{-1, -1, -1}));
         ASSERT_TRUE(SelectDlgItem(d, kAttrList, 2));
         EXPECT_EQ(Shown(d), (Numbers{2, 1, 0}));
@@ -140,12 +128,12 @@ TEST(AttConfigDlg, TreeAndListsFollowTheCategoryAndTheBoxesTheRecord) {
         EXPECT_TRUE(host.messages.Messages().empty());
 
         tree.UserSelect(Item(d, {0, 1}));
-        EXPECT_EQ(Entries(d, kAttrList), Texts{L"管径"});
+        EXPECT_EQ(ItemTexts(d, kAttrList), Texts{L"管径"});
         EXPECT_EQ(Shown(d), (Numbers{2, 0, 0}));
 
         // A large category is no small one: the lists stay, and the empty path has no record.
         tree.UserSelect(Item(d, {0}));
-        EXPECT_EQ(Entries(d, kAttrList), Texts{L"管径"});
+        EXPECT_EQ(ItemTexts(d, kAttrList), Texts{L"管径"});
         EXPECT_EQ(Shown(d), (Numbers{2, 0, 0}));
         ASSERT_EQ(host.messages.Texts(), Texts{L"error"});
         EXPECT_EQ(host.messages.Messages()[0].flags, MB_OK);

@@ -1,4 +1,5 @@
 #include "dialogs/CTTComboBox.h"
+#include "support/ui/DialogProbe.h"
 
 #include "ui/DialogTemplate.h"
 
@@ -15,23 +16,8 @@
 
 namespace {
 
-// A combo box as the dialogs make it (dialog units), in a host window placed well inside the
-// screen so that an open list is never pushed back by the screen's edge.
-QWidget* MakeCombo(QWidget* host, int x, int width, bool dropdown) {
-    koqdde::ui::ControlTemplate ctl;
-    ctl.id = 1022;
-    ctl.cls = L"combobox";
-    ctl.x = x;
-    ctl.y = 10;
-    ctl.cx = width;
-    ctl.cy = 80;
-    ctl.styles.Add(dropdown ? L"dropdown" : L"droplist");
-    if (dropdown)
-        ctl.styles.Add(L"autohscroll"); // as 1022: the field scrolls to take any text
-    const auto units = koqdde::ui::MeasureBaseUnits(koqdde::ui::DefaultDialogFont());
-    return koqdde::ui::CreateControl(ctl, units, host);
-}
-
+// A host window placed well inside the screen, so that an open list is never pushed back by
+// the screen's edge.
 struct Host {
     Host() {
         window.setGeometry(300, 100, 400, 300);
@@ -77,7 +63,7 @@ void SendMouse(QWidget* target, QEvent::Type type, QPoint pos) {
 TEST(CTTComboBox, ListTipShowsOnlyTextsThatDontFitOncePerLine) {
     Host host;
     CTTComboBox box;
-    box.Attach(MakeCombo(&host.window, 10, 30, false));
+    box.Attach(koqdde::test::MakeComboBox(&host.window, 10, 30, false));
     box.AddString(kShort);
     box.AddString(kLong + kLong); // the widest: the open list can't grow to it
     // Texts just longer and just shorter than the visible line, both narrower than the widest.
@@ -150,9 +136,9 @@ TEST(CTTComboBox, ListTipShowsOnlyTextsThatDontFitOncePerLine) {
 TEST(CTTComboBox, BoxAndEditFieldShowTheirWholeText) {
     Host host;
     CTTComboBox list;
-    list.Attach(MakeCombo(&host.window, 10, 30, false));
+    list.Attach(koqdde::test::MakeComboBox(&host.window, 10, 30, false));
     CTTComboBox edit;
-    edit.Attach(MakeCombo(&host.window, 60, 30, true));
+    edit.Attach(koqdde::test::MakeComboBox(&host.window, 60, 30, true));
     list.AddString(kShort);
     list.AddString(kLong);
 
@@ -205,7 +191,7 @@ TEST(CTTComboBox, BoxAndEditFieldShowTheirWholeText) {
 TEST(CTTComboBox, DisabledEntriesCantBeClicked) {
     Host host;
     CTTComboBox box;
-    box.Attach(MakeCombo(&host.window, 10, 60, false));
+    box.Attach(koqdde::test::MakeComboBox(&host.window, 10, 60, false));
     for (const wchar_t* text : {L"一", L"二", L"三"})
         box.AddString(text);
     box.SetCurSel(0);
@@ -245,7 +231,7 @@ TEST(CTTComboBox, DisabledEntriesCantBeClicked) {
 TEST(CTTComboBox, WheelStepsOverDisabledEntriesInTheArraysOrder) {
     Host host;
     CTTComboBox box;
-    box.Attach(MakeCombo(&host.window, 10, 60, false));
+    box.Attach(koqdde::test::MakeComboBox(&host.window, 10, 60, false));
     for (const wchar_t* text : {L"一", L"二", L"三", L"四", L"五"})
         box.AddString(text);
 
@@ -272,9 +258,9 @@ TEST(CTTComboBox, BoxesShareOneTipThatGoesWithTheLastOfThemAndBoxesWithoutTipsHa
     Host host;
     {
         auto first = std::make_unique<CTTComboBox>();
-        first->Attach(MakeCombo(&host.window, 10, 30, false));
+        first->Attach(koqdde::test::MakeComboBox(&host.window, 10, 30, false));
         CTTComboBox second;
-        second.Attach(MakeCombo(&host.window, 60, 30, false));
+        second.Attach(koqdde::test::MakeComboBox(&host.window, 60, 30, false));
         first->AddString(kLong);
         second.AddString(kLong + L"乙");
 
@@ -300,7 +286,7 @@ TEST(CTTComboBox, BoxesShareOneTipThatGoesWithTheLastOfThemAndBoxesWithoutTipsHa
 
     CTTComboBox plain;
     plain.SetTipEnabled(0);
-    plain.Attach(MakeCombo(&host.window, 10, 30, false));
+    plain.Attach(koqdde::test::MakeComboBox(&host.window, 10, 30, false));
     plain.SetTipEnabled(1); // too late: the box was bound without tips
     plain.AddString(kLong);
     plain.AddString(kShort);
@@ -315,7 +301,7 @@ TEST(CTTComboBox, BoxesShareOneTipThatGoesWithTheLastOfThemAndBoxesWithoutTipsHa
 TEST(CTTComboBox, OpenListIsShiftedByItsAlignment) {
     Host host;
     CTTComboBox box;
-    box.Attach(MakeCombo(&host.window, 10, 40, false));
+    box.Attach(koqdde::test::MakeComboBox(&host.window, 10, 40, false));
     box.AddString(kShort);
 
     auto popupX = [&](int align) {

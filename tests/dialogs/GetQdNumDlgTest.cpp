@@ -6,6 +6,7 @@
 #include "host/sqlite/LibraryFiles.h"
 #include "platform/NumParse.h"
 #include "support/TestHost.h"
+#include "support/ui/DialogProbe.h"
 #include "ui/ModalHook.h"
 
 #include <QAbstractButton>
@@ -20,6 +21,8 @@
 using koqdde::ui::ClickDlgItem;
 using koqdde::ui::SelectDlgItem;
 using koqdde::ui::TypeDlgItem;
+
+using koqdde::test::ItemTexts;
 
 namespace {
 
@@ -66,22 +69,7 @@ void History(TestHost& host, const std::vector<std::array<std::string, 3>>& bill
 // Runs the dialog on a picked number; the result is what OK or Cancel gave (-1: still open).
 int RunDialog(CDlgGetQdNum& dlg, const CString& picked, const std::function<void(CDialog&)>& act) {
     dlg.m_strQdNum = picked;
-    koqdde::ui::ModalHookScope hook([&](CDialog& d) {
-        act(d);
-        return d.GetEndResult();
-    });
-    return dlg.DoModal();
-}
-
-Texts Entries(CDialog& d, int id) {
-    Texts texts;
-    if (auto* list = dynamic_cast<CListBox*>(d.GetDlgItem(id)))
-        for (int i = 0; i < list->GetCount(); ++i)
-            texts.push_back(list->GetText(i));
-    if (auto* combo = dynamic_cast<CComboBox*>(d.GetDlgItem(id)))
-        for (int i = 0; i < combo->GetCount(); ++i)
-            texts.push_back(combo->GetLBText(i));
-    return texts;
+    return koqdde::test::RunModal(dlg, act);
 }
 
 bool Checked(CDialog& d, int id) {
@@ -124,10 +112,10 @@ TEST(GetQdNumDlg, NineDigitRuleContinuesAfterTheHighestSequenceOfTheHistory) {
     CDlgGetQdNum used;
     result = RunDialog(used, L"031001006", [&](CDialog& d) {
         EXPECT_TRUE(Enabled(d, kExisting));
-        EXPECT_EQ(Entries(d, kList), (Texts{L"031001006007", L"031001006003"}));
+        EXPECT_EQ(ItemTexts(d, kList), (Texts{L"031001006007", L"031001006003"}));
         EXPECT_EQ(d.GetDlgItemText(kInfo), L"塑料管\r\nm");
         EXPECT_EQ(d.GetDlgItemText(kSuffix), L"008");
-        EXPECT_EQ(Entries(d, kCopyFrom), (Texts{L"", L"031001006007", L"031001006003"}));
+        EXPECT_EQ(ItemTexts(d, kCopyFrom), (Texts{L"", L"031001006007", L"031001006003"}));
         ASSERT_TRUE(SelectDlgItem(d, kCopyFrom, 2));
         ClickDlgItem(d, IDOK);
     });
@@ -226,11 +214,11 @@ TEST(GetQdNumDlg, RulesWithoutNumberingProposeNothing) {
     CDlgGetQdNum unknown;
     int result = RunDialog(unknown, L"031001006", [&](CDialog& d) {
         // Nothing read, nothing proposed: the dialog stays as its template made it.
-        EXPECT_EQ(Entries(d, kList), Texts{});
+        EXPECT_EQ(ItemTexts(d, kList), Texts{});
         EXPECT_TRUE(Enabled(d, kList));
         EXPECT_TRUE(Checked(d, kNew));
         EXPECT_EQ(d.GetDlgItemText(kPrefix) + d.GetDlgItemText(kSuffix), L"");
-        EXPECT_EQ(Entries(d, kCopyFrom), Texts{});
+        EXPECT_EQ(ItemTexts(d, kCopyFrom), Texts{});
         ClickDlgItem(d, IDCANCEL);
     });
     EXPECT_EQ(result, IDCANCEL);

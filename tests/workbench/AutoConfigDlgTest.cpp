@@ -61,12 +61,12 @@ TEST(Workbench, OpensOnAFreshConfigurationFolder) {
 
         // Attributes of the category, then the whole component.
         EXPECT_EQ(
-            Entries(dlg, kAttributeList),
+            ItemTexts(dlg, kAttributeList),
             (std::vector<CString>{L"材质", L"管径(mm)", L"保温材质", L"系统编号", L"具体构件"}));
         EXPECT_EQ(Ctl<CListBox>(dlg, kAttributeList).GetCurSel(), 0);
-        EXPECT_EQ(Options(dlg, kValue), (std::vector<CString>{L"镀锌钢管", L"PP-R管"}))
+        EXPECT_EQ(ItemTexts(dlg, kValue), (std::vector<CString>{L"镀锌钢管", L"PP-R管"}))
             << "the drop-down list of 材质";
-        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{});
+        EXPECT_EQ(ItemTexts(dlg, kConditionList), std::vector<CString>{});
 
         // Page 取值 shows, page 范围 waits hidden.
         CTabCtrl& tab = Ctl<CTabCtrl>(dlg, kValueTab);
@@ -76,7 +76,7 @@ TEST(Workbench, OpensOnAFreshConfigurationFolder) {
         EXPECT_EQ(tab.GetCurSel(), 0);
         EXPECT_TRUE(dlg.GetDlgItem(kValue)->IsWindowVisible());
         EXPECT_FALSE(dlg.GetDlgItem(kRange1)->IsWindowVisible());
-        EXPECT_EQ(Options(dlg, kEqualOp).size(), 2u);
+        EXPECT_EQ(ItemTexts(dlg, kEqualOp).size(), 2u);
 
         // A pipe category: six columns, with the fittings column.
         CGridCtrl& grid = Ctl<CGridCtrl>(dlg, kGrid);
@@ -115,13 +115,13 @@ TEST(Workbench, SelectingCategoriesRowsAndAttributesRebuildsThePanes) {
     }
     RunWorkbench([&](CDialog& dlg) {
         EXPECT_EQ(Column(dlg, 1), (std::vector<CString>{L"材质＝镀锌钢管;", L"其它"}));
-        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{L"材质＝镀锌钢管"});
+        EXPECT_EQ(ItemTexts(dlg, kConditionList), std::vector<CString>{L"材质＝镀锌钢管"});
         EXPECT_TRUE(Enabled(dlg, kCopyConfig));
         EXPECT_TRUE(Enabled(dlg, kConditionAdd));
 
         // The default row locks the editor and the copy and delete commands.
         Ctl<CListCtrl>(dlg, kConfigList).UserClickItem(1);
-        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{});
+        EXPECT_EQ(ItemTexts(dlg, kConditionList), std::vector<CString>{});
         EXPECT_FALSE(Enabled(dlg, kCopyConfig));
         EXPECT_FALSE(Enabled(dlg, kDelConfig));
         EXPECT_FALSE(Enabled(dlg, kConditionAdd));
@@ -131,12 +131,12 @@ TEST(Workbench, SelectingCategoriesRowsAndAttributesRebuildsThePanes) {
         // A click on the empty part clears the selection and leaves the panes as they were.
         Ctl<CListCtrl>(dlg, kConfigList).UserClickEmpty();
         EXPECT_EQ(SelectedConfigRow(dlg), -1);
-        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{L"材质＝镀锌钢管"});
+        EXPECT_EQ(ItemTexts(dlg, kConditionList), std::vector<CString>{L"材质＝镀锌钢管"});
         Ctl<CListCtrl>(dlg, kConfigList).UserClickItem(0);
 
         // Attributes: a drop-down list, free text, the whole component.
         ChooseAttribute(dlg, L"管径(mm)");
-        EXPECT_EQ(Options(dlg, kValue), (std::vector<CString>{L"DN15", L"DN20"}));
+        EXPECT_EQ(ItemTexts(dlg, kValue), (std::vector<CString>{L"DN15", L"DN20"}));
         EXPECT_TRUE(Enabled(dlg, kValueTab)) << "comparable";
         Ctl<CComboBox>(dlg, kValue).UserType(L"DN25");
         Ctl<CTabCtrl>(dlg, kValueTab).UserSelect(1);
@@ -146,7 +146,7 @@ TEST(Workbench, SelectingCategoriesRowsAndAttributesRebuildsThePanes) {
 
         // Not comparable: back to page 取值, and the tab is locked there.
         ChooseAttribute(dlg, L"系统编号");
-        EXPECT_EQ(Options(dlg, kValue), std::vector<CString>{});
+        EXPECT_EQ(ItemTexts(dlg, kValue), std::vector<CString>{});
         EXPECT_EQ(Ctl<CComboBox>(dlg, kValue).GetWindowText(), L"")
             << "a change of attribute drops what was typed";
         EXPECT_EQ(Ctl<CTabCtrl>(dlg, kValueTab).GetCurSel(), 0);
@@ -166,8 +166,8 @@ TEST(Workbench, SelectingCategoriesRowsAndAttributesRebuildsThePanes) {
         // Another leaf: its own configurations, attributes and a five-column grid.
         SelectLeaf(dlg, {L"管道", L"排水管"});
         EXPECT_EQ(Column(dlg, 1), std::vector<CString>{L"其它"});
-        EXPECT_EQ(Entries(dlg, kAttributeList), (std::vector<CString>{L"材质", L"具体构件"}));
-        EXPECT_EQ(Options(dlg, kValue), (std::vector<CString>{L"UPVC管", L"铸铁管"}));
+        EXPECT_EQ(ItemTexts(dlg, kAttributeList), (std::vector<CString>{L"材质", L"具体构件"}));
+        EXPECT_EQ(ItemTexts(dlg, kValue), (std::vector<CString>{L"UPVC管", L"铸铁管"}));
         EXPECT_EQ(Ctl<CGridCtrl>(dlg, kGrid).GetColumnCount(), 5);
         EXPECT_EQ(Ctl<CComboBox>(dlg, kRange1).GetWindowText(), L"15");
 
@@ -175,12 +175,12 @@ TEST(Workbench, SelectingCategoriesRowsAndAttributesRebuildsThePanes) {
         // do nothing.
         SelectLeaf(dlg, {L"阀门"});
         EXPECT_EQ(Column(dlg, 1), std::vector<CString>{L"其它"});
-        EXPECT_EQ(Entries(dlg, kAttributeList), (std::vector<CString>{L"材质", L"具体构件"}));
+        EXPECT_EQ(ItemTexts(dlg, kAttributeList), (std::vector<CString>{L"材质", L"具体构件"}));
         ClickDlgItem(dlg, kAddConfig);
         EXPECT_EQ(Column(dlg, 1), std::vector<CString>{L"其它"});
 
         SelectLeaf(dlg, {L"阀门", L"阀门"});
-        EXPECT_EQ(Entries(dlg, kAttributeList), std::vector<CString>{L"具体构件"});
+        EXPECT_EQ(ItemTexts(dlg, kAttributeList), std::vector<CString>{L"具体构件"});
         EXPECT_EQ(Ctl<CGridCtrl>(dlg, kGrid).GetColumnCount(), 5);
     });
     EXPECT_TRUE(host.messages.Messages().empty());
@@ -195,11 +195,12 @@ TEST(Workbench, MeasuredAttributesFollowTheCategoryRules) {
     host.Add(L"电气", L"配管配线", L"导线·导管");
     host.Add(L"电气", L"配管配线", L"线槽配线");
     RunWorkbench([&](CDialog& dlg) {
-        EXPECT_EQ(Entries(dlg, kAttributeList), (std::vector<CString>{L"半周长(mm)", L"具体构件"}));
+        EXPECT_EQ(ItemTexts(dlg, kAttributeList),
+                  (std::vector<CString>{L"半周长(mm)", L"具体构件"}));
         SelectLeaf(dlg, {L"配电箱柜", L"元件装置"});
-        EXPECT_EQ(Entries(dlg, kAttributeList), std::vector<CString>{L"具体构件"});
+        EXPECT_EQ(ItemTexts(dlg, kAttributeList), std::vector<CString>{L"具体构件"});
         SelectLeaf(dlg, {L"电缆桥架", L"桥架"});
-        EXPECT_EQ(Entries(dlg, kAttributeList),
+        EXPECT_EQ(ItemTexts(dlg, kAttributeList),
                   (std::vector<CString>{L"宽+高(mm)", L"宽+高×2(mm)", L"具体构件"}));
         CTreeCtrl& tree = Ctl<CTreeCtrl>(dlg, kTree);
         HTREEITEM wiring = FindItem(tree, {L"配管配线"});
@@ -213,9 +214,9 @@ TEST(Workbench, MeasuredAttributesFollowTheCategoryRules) {
     hvac.Add(L"暖通", L"风管部件", L"风阀");
     RunWorkbench([&](CDialog& dlg) {
         const std::vector<CString> duct{L"周长(mm)", L"长边(mm)", L"直径(mm)", L"具体构件"};
-        EXPECT_EQ(Entries(dlg, kAttributeList), duct);
+        EXPECT_EQ(ItemTexts(dlg, kAttributeList), duct);
         SelectLeaf(dlg, {L"风管部件", L"风阀"});
-        EXPECT_EQ(Entries(dlg, kAttributeList), duct) << "a substring test on the path";
+        EXPECT_EQ(ItemTexts(dlg, kAttributeList), duct) << "a substring test on the path";
     });
 }
 
@@ -236,12 +237,12 @@ TEST(Workbench, ConditionsAreAddedReplacedAndDeletedUnderTheRangeRules) {
         op.UserSelect(op.FindStringExact(-1, L"＝"));
         Ctl<CComboBox>(dlg, kValue).UserSelect(0);
         ClickDlgItem(dlg, kConditionAdd);
-        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{L"材质＝镀锌钢管"});
+        EXPECT_EQ(ItemTexts(dlg, kConditionList), std::vector<CString>{L"材质＝镀锌钢管"});
         EXPECT_EQ(Column(dlg, 1)[0], L"材质＝镀锌钢管;");
         EXPECT_EQ(SelectedConfigRow(dlg), 0);
         Ctl<CComboBox>(dlg, kValue).UserType(L"不锈钢管");
         ClickDlgItem(dlg, kConditionAdd);
-        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{L"材质＝不锈钢管"});
+        EXPECT_EQ(ItemTexts(dlg, kConditionList), std::vector<CString>{L"材质＝不锈钢管"});
 
         // Page 范围: too narrow or empty ranges are refused.
         ChooseAttribute(dlg, L"管径(mm)");
@@ -268,24 +269,24 @@ TEST(Workbench, ConditionsAreAddedReplacedAndDeletedUnderTheRangeRules) {
         lower.UserType(L"1");
         upper.UserType(L"1.01");
         ClickDlgItem(dlg, kConditionAdd);
-        EXPECT_EQ(Entries(dlg, kConditionList),
+        EXPECT_EQ(ItemTexts(dlg, kConditionList),
                   (std::vector<CString>{L"材质＝不锈钢管", L"1＜管径(mm)≤1.01"}));
         // A lower bound that is no number reads 0, so an upper bound above 0.01 lets it in.
         lower.UserType(L"约");
         upper.UserType(L"50");
         ClickDlgItem(dlg, kConditionAdd);
-        EXPECT_EQ(Entries(dlg, kConditionList)[1], L"约＜管径(mm)≤50");
+        EXPECT_EQ(ItemTexts(dlg, kConditionList)[1], L"约＜管径(mm)≤50");
         // One open bound: any text goes, the other side's operator is still stored.
         lower.UserType(L"大");
         upper.UserType(L"");
         ClickDlgItem(dlg, kConditionAdd);
-        EXPECT_EQ(Entries(dlg, kConditionList)[1], L"管径(mm)＞大");
+        EXPECT_EQ(ItemTexts(dlg, kConditionList)[1], L"管径(mm)＞大");
 
         // The search for an attribute's condition is by substring: 材质 finds 保温材质's row
         // when that row comes first.
         Ctl<CListBox>(dlg, kConditionList).UserSelect(0);
         ClickDlgItem(dlg, kConditionDelete);
-        EXPECT_EQ(Entries(dlg, kConditionList), std::vector<CString>{L"管径(mm)＞大"});
+        EXPECT_EQ(ItemTexts(dlg, kConditionList), std::vector<CString>{L"管径(mm)＞大"});
         ChooseAttribute(dlg, L"保温材质");
         Ctl<CTabCtrl>(dlg, kValueTab).UserSelect(0);
         Ctl<CComboBox>(dlg, kValue).UserType(L"橡塑");
@@ -293,7 +294,7 @@ TEST(Workbench, ConditionsAreAddedReplacedAndDeletedUnderTheRangeRules) {
         ChooseAttribute(dlg, L"材质");
         Ctl<CComboBox>(dlg, kValue).UserSelect(1);
         ClickDlgItem(dlg, kConditionAdd);
-        EXPECT_EQ(Entries(dlg, kConditionList),
+        EXPECT_EQ(ItemTexts(dlg, kConditionList),
                   (std::vector<CString>{L"管径(mm)＞大", L"材质＝PP-R管"}));
 
         // The whole component takes a range as well.
@@ -302,7 +303,7 @@ TEST(Workbench, ConditionsAreAddedReplacedAndDeletedUnderTheRangeRules) {
         lower.UserType(L"");
         upper.UserType(L"3");
         ClickDlgItem(dlg, kConditionAdd);
-        EXPECT_EQ(Entries(dlg, kConditionList).size(), 3u);
+        EXPECT_EQ(ItemTexts(dlg, kConditionList).size(), 3u);
         PressEsc(dlg);
     });
 

@@ -4,6 +4,7 @@
 
 #include "presenter/CQdDeConfigPresenter.h"
 #include "support/TestHost.h"
+#include "support/ui/DialogProbe.h"
 #include "ui/ModalHook.h"
 #include "workbench/CAutoConfigDlg.h"
 
@@ -16,6 +17,7 @@
 #include <vector>
 
 namespace workbench_test {
+using koqdde::test::ItemTexts;
 
 using namespace AutoConfigIds;
 
@@ -138,22 +140,6 @@ inline std::vector<CString> Column(CDialog& dialog, int column) {
     std::vector<CString> texts;
     for (int row = 0; row < list.GetItemCount(); ++row)
         texts.push_back(list.GetItemText(row, column));
-    return texts;
-}
-
-inline std::vector<CString> Entries(CDialog& dialog, int id) {
-    CListBox& list = Ctl<CListBox>(dialog, id);
-    std::vector<CString> texts;
-    for (int row = 0; row < list.GetCount(); ++row)
-        texts.push_back(list.GetText(row));
-    return texts;
-}
-
-inline std::vector<CString> Options(CDialog& dialog, int id) {
-    CComboBox& combo = Ctl<CComboBox>(dialog, id);
-    std::vector<CString> texts;
-    for (int i = 0; i < combo.GetCount(); ++i)
-        texts.push_back(combo.GetLBText(i));
     return texts;
 }
 

@@ -7,6 +7,7 @@
 #include "host/sqlite/LibraryFiles.h"
 #include "presenter/CQdDeConfigPresenter.h"
 #include "support/TestHost.h"
+#include "support/ui/DialogProbe.h"
 #include "ui/CGridCtrl.h"
 #include "ui/DialogTemplate.h"
 #include "ui/ModalHook.h"
@@ -35,19 +36,6 @@ namespace {
 
 // Long enough to need a tip in a narrow box; the cut list line needs more (see below).
 const CString kLong = L"镀锌钢管螺纹连接公称直径不大于五十毫米的室内给水管道";
-
-QWidget* MakeCombo(QWidget* host, int x, int width, bool dropdown) {
-    koqdde::ui::ControlTemplate ctl;
-    ctl.id = 1022;
-    ctl.cls = L"combobox";
-    ctl.x = x;
-    ctl.y = 10;
-    ctl.cx = width;
-    ctl.cy = 80;
-    ctl.styles.Add(dropdown ? L"dropdown" : L"droplist");
-    const auto units = koqdde::ui::MeasureBaseUnits(koqdde::ui::DefaultDialogFont());
-    return koqdde::ui::CreateControl(ctl, units, host);
-}
 
 // A top-level window; its controls are made first, then it is shown with them.
 struct Window {
@@ -94,11 +82,11 @@ TEST(RealPointer, BoxAndFieldTipsStayUntilThePointerLeaves) {
     PointAtScreen(FarAway());
     Window window;
     CTTComboBox box;
-    box.Attach(MakeCombo(&window.widget, 10, 40, false));
+    box.Attach(koqdde::test::MakeComboBox(&window.widget, 10, 40, false));
     box.AddString(kLong);
     box.SetCurSel(0);
     CTTComboBox field;
-    field.Attach(MakeCombo(&window.widget, 120, 40, true));
+    field.Attach(koqdde::test::MakeComboBox(&window.widget, 120, 40, true));
     field.SetWindowText(kLong);
     window.Show();
 
@@ -126,7 +114,7 @@ TEST(RealPointer, ACutLineOfTheOpenListGetsItsTip) {
     PointAtScreen(FarAway());
     Window window;
     CTTComboBox box;
-    box.Attach(MakeCombo(&window.widget, 10, 40, false));
+    box.Attach(koqdde::test::MakeComboBox(&window.widget, 10, 40, false));
     // The list opens as wide as its widest line allows on this screen; the second line is cut
     // there, though it is narrower than the widest.
     const int screenWidth = QGuiApplication::primaryScreen()->geometry().width();
