@@ -220,6 +220,32 @@ FileBytes ReadRegularFile(const CString& path, std::uint64_t maxBytes) {
     return out;
 }
 
+std::optional<std::string> ReadFileStart(const CString& path, std::size_t count) {
+    int fd = ::open(ToUtf8(path).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0)
+        return std::nullopt;
+    struct stat st {};
+    std::optional<std::string> out;
+    if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) {
+        std::string bytes(count, '\0');
+        size_t have = 0;
+        ssize_t n = 0;
+        while (have < count && (n = ::read(fd, bytes.data() + have, count - have)) != 0) {
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n < 0)
+                break;
+            have += static_cast<size_t>(n);
+        }
+        if (n >= 0) {
+            bytes.resize(have);
+            out = std::move(bytes);
+        }
+    }
+    ::close(fd);
+    return out;
+}
+
 std::optional<std::string> ReadFileBytes(const CString& path) {
     FileBytes read = ReadRegularFile(path);
     if (!read)

@@ -39,6 +39,9 @@ struct FileBytes {
 // Reads a regular file whole. What is not one (a folder, a FIFO, a device) is refused at once,
 // without waiting for a writer on a FIFO, and a file larger than maxBytes before it is read.
 FileBytes ReadRegularFile(const CString& path, std::uint64_t maxBytes = UINT64_MAX);
+// The first `count` bytes of a regular file (fewer when it is shorter); nothing when it can't
+// be read or is no regular file.
+std::optional<std::string> ReadFileStart(const CString& path, std::size_t count);
 // Whole-file reading as ReadRegularFile; nothing when the file can't be read.
 std::optional<std::string> ReadFileBytes(const CString& path);
 

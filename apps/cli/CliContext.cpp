@@ -1,10 +1,10 @@
 #include "Cli.h"
 
-#include "host/QvKoProject/QvKoProject.h"
 #include "model/Spec.h"
 #include "platform/FileSystem.h"
 #include "store/CFileHeadWriter.h"
 #include "store/CXmlQdDeConfig.h"
+#include "store/ConfigFileCheck.h"
 
 #include <cstdio>
 
@@ -37,7 +37,7 @@ CQdDeConfigPresenter& CliContext::Presenter() {
 void CliContext::GuardEdit(const CString& file) {
     if (m_editing)
         LockForEdit(file);
-    CheckLoaded(file, CXmlQdDeConfig(file, CProj().GetCurrentSpec()).LoadError());
+    CheckLoaded(file, ConfigLoadError(file));
 }
 
 void CliContext::LockForEdit(const CString& file) {
@@ -89,7 +89,7 @@ const Spec& CliContext::Tree() {
 namespace {
 // A file made by `head write`: it starts with the head's first tag.
 bool IsHeadedFile(const CString& file) {
-    const std::optional<std::string> bytes = ReadFileBytes(file);
+    const std::optional<std::string> bytes = ReadFileStart(file, 4);
     if (!bytes || bytes->size() < 4)
         return false;
     std::uint32_t tag = 0;

@@ -1,6 +1,7 @@
 #include "host/QvKoProject/QvKoProject.h"
 
 #include "host/HostData.h"
+#include "platform/FileSystem.h"
 #include "platform/NumParse.h"
 #include "xml/XmlDocument.h"
 
@@ -216,16 +217,46 @@ int CSysSmallCategoryMng::GetAttType() const {
     return small ? small->attType : 0;
 }
 
+namespace {
+// Whether the document element's start tag already carries Version="text", judged from the
+// file's first bytes without parsing it: the store's save writes the stamp with the tree, and
+// reading the whole file back after every save would double its cost. Anything unclear (a
+// UTF-16 file, a start tag beyond the first bytes) says no, and the file is parsed.
+bool StampedAlready(const CString& file, const std::string& text) {
+    const std::optional<std::string> head = ReadFileStart(file, 4096);
+    if (!head || head->starts_with("\xFF\xFE") || head->starts_with("\xFE\xFF"))
+        return false;
+    const std::string_view bytes = *head;
+    size_t at = 0;
+    while ((at = bytes.find('<', at)) != std::string_view::npos) {
+        const std::string_view rest = bytes.substr(at);
+        if (rest.starts_with("<!--"))
+            at = bytes.find("-->", at);
+        else if (rest.starts_with("<?") || rest.starts_with("<!"))
+            at = bytes.find('>', at);
+        else
+            break;
+        if (at == std::string_view::npos)
+            return false;
+    }
+    const size_t end = at == std::string_view::npos ? at : bytes.find('>', at);
+    return end != std::string_view::npos &&
+           bytes.substr(at, end - at).find(" Version=\"" + text + "\"") != std::string_view::npos;
+}
+} // namespace
+
 bool QvKoXmlVertion::SetXmlVersion(const CString& version, const CString& file) {
     if (version.IsEmpty())
         return false;
+    std::string text = ToUtf8(version);
+    if (StampedAlready(file, text))
+        return true;
     XmlDocument doc;
     if (!doc.Load(file))
         return false;
     pugi::xml_node root = doc.DocumentElement();
     if (!root)
         return false;
-    std::string text = ToUtf8(version);
     pugi::xml_attribute attr = root.attribute("Version");
     if (attr && text == attr.value())
         return true;
