@@ -1,10 +1,12 @@
 #pragma once
-// An XML document as the module's DOM: pugixml underneath, plus the file encoding it was read
-// in so that a save writes it back the same way. Comments and processing instructions are
-// kept as nodes; whitespace-only text is not.
+// An XML document as the module's DOM: pugixml underneath, built by the conforming parser of
+// XmlParser, plus the file encoding it was read in so that a save writes it back the same way.
+// Comments, processing instructions and the document type declaration are kept as nodes;
+// whitespace-only text is not; entities of the internal subset are expanded.
 
 #include "platform/CString.h"
 #include "platform/TextEncoding.h"
+#include "xml/XmlParser.h"
 
 #include <cstdint>
 #include <memory>
@@ -16,11 +18,9 @@
 // refers to a non-element node behaves as a null element (reads give "", writes raise).
 using XmlNode = pugi::xml_node;
 
-// Limits of what a load accepts, so that a hostile or broken file is refused with a message
-// rather than exhausting memory or stack. Real configurations are tens of MiB and about ten
-// levels deep.
+// Files larger than this are refused before they are read: real configurations are tens of
+// MiB, and a broken or hostile file must not exhaust memory.
 inline constexpr std::uint64_t kMaxXmlFileBytes = std::uint64_t{512} << 20;
-inline constexpr unsigned kMaxXmlDepth = 256;
 
 // Why the last load failed: the file is missing, can't be read (no permission, not a regular
 // file, too large), or was read but is not a document we accept.
