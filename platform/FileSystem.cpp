@@ -12,6 +12,7 @@
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -174,49 +175,76 @@ std::string FileBytes::Reason() const {
     return "the file can't be read";
 }
 
-FileBytes ReadRegularFile(const CString& path, std::uint64_t maxBytes) {
-    FileBytes out;
+FileReader::FileReader(const CString& path, std::uint64_t maxBytes) {
     // Non-blocking, so that opening a FIFO does not wait for a writer; a regular file reads
     // the same either way.
-    int fd = ::open(ToUtf8(path).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (fd < 0) {
-        out.failure = errno == ENOENT || errno == ENOTDIR ? ReadFailure::Missing
-                      : errno == EACCES                   ? ReadFailure::NoPermission
-                                                          : ReadFailure::IoError;
-        return out;
+    m_fd = ::open(ToUtf8(path).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (m_fd < 0) {
+        m_failure = errno == ENOENT || errno == ENOTDIR ? ReadFailure::Missing
+                    : errno == EACCES                   ? ReadFailure::NoPermission
+                                                        : ReadFailure::IoError;
+        return;
     }
     struct stat st {};
-    if (::fstat(fd, &st) != 0)
-        out.failure = ReadFailure::IoError;
+    if (::fstat(m_fd, &st) != 0)
+        m_failure = ReadFailure::IoError;
     else if (!S_ISREG(st.st_mode))
-        out.failure = ReadFailure::NotAFile;
+        m_failure = ReadFailure::NotAFile;
     else if (static_cast<std::uint64_t>(st.st_size) > maxBytes)
-        out.failure = ReadFailure::TooLarge;
-    if (out.failure == ReadFailure::None) {
-        // Sized once from the file's length; a file that grows meanwhile reads on past it.
-        out.bytes.resize(static_cast<size_t>(st.st_size));
-        size_t have = 0;
-        for (;;) {
-            if (have == out.bytes.size())
-                out.bytes.resize(have + 65536);
-            ssize_t n = ::read(fd, out.bytes.data() + have, out.bytes.size() - have);
-            if (n < 0 && errno == EINTR)
-                continue;
-            if (n < 0) {
-                out.failure = ReadFailure::IoError;
-                break;
-            }
-            if (n == 0)
-                break;
-            have += static_cast<size_t>(n);
-            if (have > maxBytes) {
-                out.failure = ReadFailure::TooLarge;
-                break;
-            }
+        m_failure = ReadFailure::TooLarge;
+    m_size = static_cast<std::uint64_t>(st.st_size);
+}
+
+FileReader::~FileReader() {
+    if (m_fd >= 0)
+        ::close(m_fd);
+}
+
+std::size_t FileReader::Read(char* into, std::size_t size) {
+    if (m_failure != ReadFailure::None)
+        return 0;
+    size_t have = 0;
+    while (have < size) {
+        const ssize_t n = ::read(m_fd, into + have, size - have);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0) {
+            m_failure = ReadFailure::IoError;
+            return 0;
         }
-        out.bytes.resize(out.failure == ReadFailure::None ? have : 0);
+        if (n == 0)
+            break;
+        have += static_cast<size_t>(n);
     }
-    ::close(fd);
+    return have;
+}
+
+FileBytes ReadRegularFile(const CString& path, std::uint64_t maxBytes) {
+    FileBytes out;
+    FileReader reader(path, maxBytes);
+    if (!reader) {
+        out.failure = reader.Failure();
+        return out;
+    }
+    // Sized from the file's length with one byte to spare, so that the read that finds the
+    // end needs no larger buffer; a file that grows meanwhile reads on past it.
+    out.bytes.resize(static_cast<size_t>(reader.Size()) + 1);
+    size_t have = 0;
+    for (;;) {
+        if (have == out.bytes.size())
+            out.bytes.resize(have + 65536);
+        const size_t n = reader.Read(out.bytes.data() + have, out.bytes.size() - have);
+        have += n;
+        if (have > maxBytes) {
+            out.failure = ReadFailure::TooLarge;
+            break;
+        }
+        if (have < out.bytes.size()) // the end, or a failure
+            break;
+    }
+    if (out.failure == ReadFailure::None)
+        out.failure = reader.Failure();
+    out.bytes.resize(out.failure == ReadFailure::None ? have : 0);
     return out;
 }
 
@@ -257,59 +285,94 @@ CString ResolveLinks(const CString& path) {
     return FromUtf8(FollowLinks(NativePath(path)).string());
 }
 
-bool WriteFileAtomically(const CString& path, std::string_view bytes, std::string* why) {
-    auto fail = [why](std::string reason) {
-        if (why)
-            *why = std::move(reason);
-        return false;
-    };
-    if (NativePath(path).filename().empty())
-        return fail("not a file name");
+AtomicFileWriter::AtomicFileWriter(const CString& path) {
+    if (NativePath(path).filename().empty()) {
+        Fail("not a file name");
+        return;
+    }
     // The link stays; the file it leads to is the one replaced.
     const fs::path target = FollowLinks(NativePath(path));
+    m_target = target.string();
     const fs::path folder = target.parent_path();
     struct stat old {};
-    const bool replacing = ::stat(target.c_str(), &old) == 0;
-    if (replacing && !S_ISREG(old.st_mode))
-        return fail("not a regular file");
+    const bool replacing = ::stat(m_target.c_str(), &old) == 0;
+    if (replacing && !S_ISREG(old.st_mode)) {
+        Fail("not a regular file");
+        return;
+    }
     // The rename needs only the folder's permission; the file's own is the user's word.
-    if (replacing && ::access(target.c_str(), W_OK) != 0)
-        return fail(std::strerror(errno));
-
+    if (replacing && ::access(m_target.c_str(), W_OK) != 0) {
+        Fail(std::strerror(errno));
+        return;
+    }
     // Created with O_EXCL under a name of our own rather than by mkstemp, so the new file
     // gets the usual mode (0666 less the umask) without touching the process umask.
     static std::atomic<unsigned> counter{0};
-    const std::string prefix = TempPrefix(target);
-    std::string temp;
-    int fd = -1;
-    for (int attempt = 0; fd < 0 && attempt < 100; ++attempt) {
-        temp = (folder / (prefix + std::to_string(::getpid()) + "-" + std::to_string(counter++)))
-                   .string();
-        fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (fd < 0 && errno != EEXIST)
-            return fail(std::strerror(errno));
+    m_prefix = TempPrefix(target);
+    for (int attempt = 0; m_fd < 0 && attempt < 100; ++attempt) {
+        m_temp =
+            (folder / (m_prefix + std::to_string(::getpid()) + "-" + std::to_string(counter++)))
+                .string();
+        m_fd = ::open(m_temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (m_fd < 0 && errno != EEXIST) {
+            m_temp.clear();
+            Fail(std::strerror(errno));
+            return;
+        }
     }
-    if (fd < 0)
-        return fail("no free temporary name");
+    if (m_fd < 0) {
+        m_temp.clear();
+        Fail("no free temporary name");
+        return;
+    }
     // Replacing a file keeps its permissions.
-    bool ok = (!replacing || ::fchmod(fd, old.st_mode & 07777) == 0) && WriteAll(fd, bytes) &&
-              ::fsync(fd) == 0;
-    int error = ok ? 0 : errno;
-    if (::close(fd) != 0 && ok) {
-        ok = false;
-        error = errno;
-    }
-    if (ok && ::rename(temp.c_str(), target.c_str()) != 0) {
-        ok = false;
-        error = errno;
-    }
-    if (!ok) {
-        ::unlink(temp.c_str());
-        return fail(std::strerror(error));
-    }
+    if (replacing && ::fchmod(m_fd, old.st_mode & 07777) != 0)
+        Fail(std::strerror(errno));
+}
+
+AtomicFileWriter::~AtomicFileWriter() {
+    if (m_fd >= 0)
+        ::close(m_fd);
+    if (!m_temp.empty())
+        ::unlink(m_temp.c_str());
+}
+
+bool AtomicFileWriter::Fail(std::string reason) {
+    if (m_error.empty())
+        m_error = std::move(reason);
+    return false;
+}
+
+bool AtomicFileWriter::Write(std::string_view bytes) {
+    if (!m_error.empty())
+        return false;
+    return WriteAll(m_fd, bytes) || Fail(std::strerror(errno));
+}
+
+bool AtomicFileWriter::Commit() {
+    if (!m_error.empty())
+        return false;
+    if (::fsync(m_fd) != 0)
+        return Fail(std::strerror(errno));
+    const int fd = std::exchange(m_fd, -1);
+    if (::close(fd) != 0)
+        return Fail(std::strerror(errno));
+    if (::rename(m_temp.c_str(), m_target.c_str()) != 0)
+        return Fail(std::strerror(errno));
+    m_temp.clear();
+    const fs::path folder = fs::path(m_target).parent_path();
     SyncFolder(folder);
-    RemoveStaleTemporaries(folder, prefix);
+    RemoveStaleTemporaries(folder, m_prefix);
     return true;
+}
+
+bool WriteFileAtomically(const CString& path, std::string_view bytes, std::string* why) {
+    AtomicFileWriter writer(path);
+    if (writer.Write(bytes) && writer.Commit())
+        return true;
+    if (why)
+        *why = writer.Error();
+    return false;
 }
 
 CString FileNameOf(const CString& path) {

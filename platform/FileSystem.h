@@ -36,6 +36,28 @@ struct FileBytes {
     std::string Reason() const;
 };
 
+// A regular file opened for reading piece by piece, refused as ReadRegularFile refuses one.
+class FileReader {
+public:
+    explicit FileReader(const CString& path, std::uint64_t maxBytes = UINT64_MAX);
+    ~FileReader();
+    FileReader(const FileReader&) = delete;
+    FileReader& operator=(const FileReader&) = delete;
+
+    explicit operator bool() const { return m_failure == ReadFailure::None; }
+    ReadFailure Failure() const { return m_failure; }
+    // The size when opened.
+    std::uint64_t Size() const { return m_size; }
+    // Fills `into` with up to `size` bytes, fewer only at the end of the file; 0 at its end.
+    // On a read error, 0, and Failure() says so.
+    std::size_t Read(char* into, std::size_t size);
+
+private:
+    int m_fd = -1;
+    std::uint64_t m_size = 0;
+    ReadFailure m_failure = ReadFailure::None;
+};
+
 // Reads a regular file whole. What is not one (a folder, a FIFO, a device) is refused at once,
 // without waiting for a writer on a FIFO, and a file larger than maxBytes before it is read.
 FileBytes ReadRegularFile(const CString& path, std::uint64_t maxBytes = UINT64_MAX);
@@ -55,6 +77,32 @@ bool WriteFileAtomically(const CString& path, std::string_view bytes, std::strin
 // The file a path names once symbolic links are followed; the path itself when it is no link.
 // A dangling link gives the path it points to.
 CString ResolveLinks(const CString& path);
+
+// A file replaced atomically, written piece by piece: the pieces go to a temporary file
+// beside it, which Commit() renames over it, with the guarantees of WriteFileAtomically. A
+// writer destroyed without a successful Commit() removes its temporary file and leaves the
+// old file as it was.
+class AtomicFileWriter {
+public:
+    explicit AtomicFileWriter(const CString& path);
+    ~AtomicFileWriter();
+    AtomicFileWriter(const AtomicFileWriter&) = delete;
+    AtomicFileWriter& operator=(const AtomicFileWriter&) = delete;
+
+    // False once anything has failed; Error() then says what.
+    bool Write(std::string_view bytes);
+    bool Commit();
+    const std::string& Error() const { return m_error; }
+
+private:
+    bool Fail(std::string reason);
+
+    std::string m_target; // the file at the end of any links
+    std::string m_temp;
+    std::string m_prefix;
+    int m_fd = -1;
+    std::string m_error;
+};
 
 // The part after the last separator ("/", and "\\" for paths written on Windows).
 CString FileNameOf(const CString& path);

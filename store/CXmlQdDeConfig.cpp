@@ -20,12 +20,6 @@ CString VersionText() {
     return QvKoSettings::GetAppProfile().GetVersion().ToString();
 }
 
-XmlDocPtr NewDocument() {
-    XmlDocPtr doc = XmlVisitor::CreateXmlDocPtr();
-    CheckPointer(doc.get());
-    return doc;
-}
-
 XmlNode AddSpecNode(XmlNode root, const CString& specName) {
     XmlElement element = XmlVisitor::addChild(root, specName);
     SQvKoSpecId id;
@@ -80,48 +74,46 @@ XmlNode RebuildSpecNode(XmlNode root, const CString& specName) {
 CXmlQdDeConfig::CXmlQdDeConfig(const CString& file, const CString& specName)
     : m_strFile(file), m_strSpec(specName) {
     m_spec.SetSpecName(specName);
-    XmlDocPtr doc = NewDocument();
-    bool loaded = doc->Load(file);
-    if (!loaded && doc->LoadFailure() != XmlLoadFailure::Missing)
-        m_loadError = doc->LastError();
-    XmlNode root = GetOrCreateRoot(doc, kConfigRootName);
+    const bool loaded = m_file.Open(file, specName);
+    if (!loaded && m_file.Failure() != XmlLoadFailure::Missing)
+        m_loadError = m_file.Error();
+    XmlNode root = GetOrCreateRoot(m_file.Dom(), kConfigRootName);
     if (!root) {
-        m_loadError = OtherRootError(file, doc->DocumentElement().name());
+        m_loadError = OtherRootError(file, m_file.Dom()->DocumentElement().name());
+        m_file.DropDom();
         return;
     }
     XmlNode specNode = FindOrCreateSpecNode(root, specName);
-    if (!specNode)
-        return;
     m_spec.ReadData(specNode);
     // A missing file comes into being as reading left the DOM; an unreadable one is kept.
-    if (!loaded && !PathExists(file) && !doc->Save(file))
-        throw ComError(E_FAIL, "cannot write " + ToUtf8(file));
+    std::string why;
+    if (!loaded && !PathExists(file) &&
+        m_file.Save(file, specNode, specName, FromUtf8(root.attribute("Version").value()), &why) !=
+            ConfigFile::Saved::Written)
+        throw ComError(E_FAIL, "cannot write " + ToUtf8(file) + ": " + why);
+    m_file.DropDom();
 }
 
 bool CXmlQdDeConfig::Save() {
-    XmlDocPtr doc = XmlVisitor::CreateXmlDocPtr();
-    if (!doc)
-        return false;
-    // A missing or corrupt file reads as empty: the save then holds the current specialty only.
-    // A file that is there but can't be read is neither: replacing it would lose what the
-    // user can't see, so the save fails.
-    if (!doc->Load(m_strFile) && doc->LoadFailure() == XmlLoadFailure::Unreadable)
-        throw ComError(E_ACCESSDENIED, "cannot save " + doc->LastError());
-    XmlNode root = GetOrCreateRoot(doc, kConfigRootName);
-    if (!root)
-        return false;
-    XmlNode specNode = RebuildSpecNode(root, m_strSpec);
-    if (!specNode)
-        return false;
+    pugi::xml_document scratch;
+    XmlNode specNode = AddSpecNode(scratch, m_strSpec);
     m_spec.WriteData(specNode);
     // The version goes into the same write as the tree, so that a save killed halfway leaves
     // the old file or the new one and never a third state; the stamp below then finds it set.
     const CString version = VersionText();
-    if (!version.IsEmpty())
-        XmlVisitor::addatt(root, L"Version", version);
     std::string why;
-    if (!doc->Save(m_strFile, &why))
+    switch (m_file.Save(m_strFile, specNode, m_strSpec, version, &why)) {
+    case ConfigFile::Saved::Written:
+        break;
+    // A missing or corrupt file takes the current specialty alone. A file that is there but
+    // can't be read is neither: replacing it would lose what the user can't see.
+    case ConfigFile::Saved::Unreadable:
+        throw ComError(E_ACCESSDENIED, "cannot save " + why);
+    case ConfigFile::Saved::OtherRoot:
+        return false;
+    case ConfigFile::Saved::Failed:
         throw ComError(E_FAIL, "cannot write " + ToUtf8(m_strFile) + ": " + why);
+    }
     QvKoXmlVertion::SetXmlVersion(version, m_strFile);
     return true;
 }
@@ -153,10 +145,10 @@ bool CXmlQdDeConfig::ReLoad(const CString& file) {
         ShowWarning(CString(kMissingFileText) + kRefusalMark);
         return false;
     }
-    XmlDocPtr doc = NewDocument();
-    if (!doc->Load(file))
+    ConfigFile opened;
+    if (!opened.Open(file, m_strSpec))
         return false;
-    XmlNode root = GetOrCreateRoot(doc, kConfigRootName);
+    XmlNode root = GetOrCreateRoot(opened.Dom(), kConfigRootName);
     if (!root)
         return false;
     XmlNode specNode = FindOrCreateSpecNode(root, m_strSpec);
@@ -164,6 +156,8 @@ bool CXmlQdDeConfig::ReLoad(const CString& file) {
         return false;
     m_spec.DeleteAllLMember();
     m_spec.ReadData(specNode);
+    opened.DropDom();
+    m_file = std::move(opened);
     m_strFile = file;
     m_loadError.clear();
     return true;

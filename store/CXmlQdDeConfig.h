@@ -1,10 +1,10 @@
 #pragma once
 // The store on an XML file. It holds the tree of the project's current specialty only; the
 // file may hold every specialty, and a save rewrites the current one and leaves the others as
-// they are on disk. No DOM is kept between operations: the file is parsed anew for each load
-// and each save.
+// they are on disk (see ConfigFile). No DOM is kept between operations.
 
 #include "model/Spec.h"
+#include "store/ConfigFile.h"
 #include "store/IQdDeConfigData.h"
 #include "xml/XmlDocument.h"
 
@@ -57,15 +57,15 @@ private:
     // The configurations of the small category that holds `node`.
     static std::vector<ConfigNode*> SiblingConfigs(const QdDeConfigNode* node);
 
+    // Reads the file's current specialty into the tree; the file's own state stays in m_file.
+    bool Read(const CString& file, bool createMissing);
+
     CString m_strFile;
     CString m_strSpec;
+    ConfigFile m_file;
     Spec m_spec;
     std::string m_loadError;
 };
-
-// The root element name of a configuration file.
-inline constexpr const wchar_t* kConfigRootName =
-    L"\u81EA\u52A8\u5957\u6E05\u5355\u5B9A\u989D\u914D\u7F6E\u4FE1\u606F"; // 自动套清单定额配置信息
 
 // File-level framing, shared with the tools that inspect configuration files.
 // The document element when it has this name; otherwise, if the document has none, a new one

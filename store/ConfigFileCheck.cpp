@@ -2,16 +2,16 @@
 
 #include "platform/FileSystem.h"
 #include "store/CXmlQdDeConfig.h"
-#include "xml/XmlDocument.h"
 
 #include <ctime>
 
 std::string ConfigLoadError(const CString& file) {
-    XmlDocument doc;
-    if (!doc.Load(file))
-        return doc.LoadFailure() == XmlLoadFailure::Missing ? std::string() : doc.LastError();
-    const char* root = doc.DocumentElement().name();
-    return root == ToUtf8(CString(kConfigRootName)) ? std::string() : OtherRootError(file, root);
+    const ConfigFile::CheckResult check = ConfigFile::Check(file);
+    if (!check.loaded)
+        return check.failure == XmlLoadFailure::Missing ? std::string() : check.error;
+    return check.rootName == ToUtf8(CString(kConfigRootName))
+               ? std::string()
+               : OtherRootError(file, check.rootName.c_str());
 }
 
 CString BackupBeside(const CString& file) {

@@ -1,3 +1,4 @@
+#include "presenter/CQdDeConfigPresenter.h"
 #include "store/CXmlQdDeConfig.h"
 #include "support/TestHost.h"
 #include "xml/XmlDocument.h"
@@ -130,7 +131,16 @@ TEST(XmlStore, SaveRewritesOnlyTheCurrentSpecialtyAndMovesItLast) {
     EXPECT_EQ(RootChildNames(file), (std::vector<std::string>{"暖通", "", "电气", "给排水"}));
     EXPECT_EQ(SpecElement(file, "暖通"), hvac);
     EXPECT_EQ(SpecElement(file, "电气"), power);
-    EXPECT_NE(host.dir.Read(file).find("Version=\"2.5.0\" CalMode=\"清单版\""), std::string::npos);
+    // The rest keeps its bytes, quotes included; only the stamp changes.
+    const std::string saved = host.dir.Read(file);
+    EXPECT_NE(saved.find("<自动套清单定额配置信息 Version='2.5.0' CalMode='清单版'><暖通 id='4' "
+                         "name='暖通'><LMember id='1' name='风管'>"),
+              std::string::npos)
+        << saved;
+    EXPECT_NE(
+        saved.find("<x/><电气 id='3' name='电气'><LMember name='配电箱柜'/></电气>\n  <给排水"),
+        std::string::npos)
+        << saved;
 
     CXmlQdDeConfig reread(file, L"给排水");
     std::vector<ConfigNode*> configs;
@@ -203,6 +213,15 @@ TEST(XmlStore, BadFilesAreRefusedAndLeftUntouched) {
         {L"head.xml",
          std::string("\x10\x00\x00\x00\x05\x00\x00\x00", 8) + kHead + "<自动套清单定额配置信息/>"},
         {L"truncated.xml", std::string(kHead) + "<自动套清单定额配置信息><给排水 name='给"},
+        // What a conforming parser refuses though a lenient one reads it.
+        {L"twice.xml",
+         std::string(kHead) + "<自动套清单定额配置信息 Version=\"1\" Version=\"2\"/>"},
+        {L"ampersand.xml",
+         "<自动套清单定额配置信息><给排水 name='给排水&'/></自动套清单定额配置信息>"},
+        {L"lt.xml", "<自动套清单定额配置信息><给排水 name='<给排水'/></自动套清单定额配置信息>"},
+        {L"entity.xml", "<自动套清单定额配置信息><给排水 name='&co;'/></自动套清单定额配置信息>"},
+        {L"prefix.xml",
+         "<自动套清单定额配置信息><p:给排水 name='给排水'/></自动套清单定额配置信息>"},
     };
     for (const auto& [name, bytes] : bad) {
         CString path = host.dir.Write(name, bytes);
@@ -219,6 +238,70 @@ TEST(XmlStore, BadFilesAreRefusedAndLeftUntouched) {
     }
     EXPECT_TRUE(host.messages.Messages().empty());
     EXPECT_EQ(CXmlQdDeConfig(good, L"给排水").LoadError(), "");
+    CString error;
+    EXPECT_FALSE(RefreshAutoConfig(error, host.dir.File(L"twice.xml")));
+    EXPECT_EQ(error, L"文件功能不匹配");
+}
+
+TEST(XmlStore, OtherSpecialtiesStayAsOnDiskWithTheirEntitiesAndLaterChanges) {
+    TestHost host;
+    Catalog(host);
+    const std::string doctype = "<!DOCTYPE 自动套清单定额配置信息 [\n<!ENTITY co \"公司\">\n]>\n";
+    const std::string hvac = "<暖通 id='4' name='暖通'><LMember id='1' name='风管'>"
+                             "<SMember id='101' name='矩形风管' note='&co;甲'/></LMember></暖通>";
+    CString file = host.dir.Write(
+        L"entities.xml",
+        std::string(kHead) + doctype + "<自动套清单定额配置信息 Version='1.0'>" + hvac +
+            "<给排水 id='2' name='给排水'><LMember id='1' name='管道'>"
+            "<SMember id='101' name='给水管' LastConfigId='3'><Config>"
+            "<Config id='3' LastConditionId='1' bDefault='0'><Condition><condition id='1' "
+            "strCFType='材质' bEqual='true' strEqualoperator='＝' strValue='&co;供'/></Condition>"
+            "</Config><Config id='1' bDefault='1'/></Config></SMember></LMember></给排水>"
+            "</自动套清单定额配置信息>\n");
+    CXmlQdDeConfig store(file, L"给排水");
+    ASSERT_EQ(store.LoadError(), "");
+    ASSERT_NE(store.GetConfig(PathTo(2, 1, 101, 3)), nullptr);
+    EXPECT_EQ(store.GetConfig(PathTo(2, 1, 101, 3))->GetConditionString(), L"材质＝公司供;");
+
+    // Another program changes the file meanwhile, keeping its size but moving the parts: the
+    // document element's tag grows by what the other specialty loses.
+    std::string changed = host.dir.Read(file);
+    changed.replace(changed.find("Version='1.0'"), 13, "Version='1.0.1'");
+    changed.replace(changed.find("id='101' name='矩形风管'"), 8, "id='1'");
+    host.dir.Write(L"entities.xml", changed);
+    int id = 0;
+    ASSERT_TRUE(store.AddConfig(PathTo(2, 1, 101), id));
+    ASSERT_TRUE(store.Save());
+    const std::string saved = host.dir.Read(file);
+    std::string hvacNow = hvac;
+    hvacNow.replace(hvacNow.find("id='101' name='矩形风管'"), 8, "id='1'");
+    EXPECT_EQ(saved.rfind(std::string(kHead) + doctype +
+                              "<自动套清单定额配置信息 Version='2.5.0'>" + hvacNow + "\n  <给排水",
+                          0),
+              0u)
+        << saved;
+    EXPECT_NE(saved.find("strValue=\"公司供\""), std::string::npos) << saved;
+    CXmlQdDeConfig again(file, L"给排水");
+    EXPECT_EQ(ConfigCount(again, PathTo(2, 1, 101)), 3);
+    EXPECT_EQ(again.GetConfig(PathTo(2, 1, 101, 3))->GetConditionString(), L"材质＝公司供;");
+    CXmlQdDeConfig other(file, L"暖通");
+    EXPECT_EQ(other.LoadError(), "");
+
+    // A specialty an entity writes out has no bytes of its own: the save rewrites the file
+    // from its DOM, and the specialty is there once.
+    CString produced = host.dir.Write(
+        L"produced.xml", "<!DOCTYPE 自动套清单定额配置信息 [<!ENTITY s \"<给排水 id='2' "
+                         "name='给排水'/>\">]><自动套清单定额配置信息>&s;" +
+                             hvac.substr(0, hvac.find(" note")) + "/></LMember></暖通>" +
+                             "</自动套清单定额配置信息>");
+    CXmlQdDeConfig fromEntity(produced, L"给排水");
+    ASSERT_EQ(fromEntity.LoadError(), "");
+    ASSERT_TRUE(fromEntity.AddConfig(PathTo(2, 1, 101), id));
+    ASSERT_TRUE(fromEntity.Save());
+    EXPECT_EQ(RootChildNames(produced), (std::vector<std::string>{"暖通", "给排水"}));
+    EXPECT_EQ(ConfigCount(fromEntity, PathTo(2, 1, 101)), 2);
+    EXPECT_EQ(
+        ConfigCount(*std::make_unique<CXmlQdDeConfig>(produced, L"给排水"), PathTo(2, 1, 101)), 2);
 }
 
 TEST(XmlStore, SaveKeepsLinksAndClearsWhatKilledSavesLeft) {
