@@ -74,6 +74,11 @@ Scan ScanFile(const CString& path, pugi::xml_document& dom, XmlParser::Build bui
     }
     size_t got = reader.Read(piece, kPiece);
     scan.encoding = SniffXmlEncoding(std::string_view(piece, std::min(got, kHeadBytes)));
+    if (!scan.encoding.error.empty()) {
+        scan.failure = XmlLoadFailure::Malformed;
+        scan.error = where + ": " + scan.encoding.error;
+        return scan;
+    }
     if (!scan.encoding.IsUtf8()) {
         FileBytes whole = ReadRegularFile(path, kMaxXmlFileBytes);
         if (!whole) {
@@ -190,7 +195,7 @@ ConfigFile::Saved ConfigFile::Save(const CString& path, pugi::xml_node spec,
         decoded = converted.value_or(std::string());
         text = decoded;
     }
-    if (read && !laidOut) {
+    if (read && !laidOut && encoding.error.empty()) {
         pugi::xml_document none;
         XmlParser parser(none, XmlParser::Build::Nothing);
         laidOut = parser.Feed(text, true);

@@ -213,6 +213,7 @@ TEST(XmlStore, BadFilesAreRefusedAndLeftUntouched) {
         {L"head.xml",
          std::string("\x10\x00\x00\x00\x05\x00\x00\x00", 8) + kHead + "<自动套清单定额配置信息/>"},
         {L"truncated.xml", std::string(kHead) + "<自动套清单定额配置信息><给排水 name='给"},
+        {L"encoding.xml", "<?xml version=\"1.0\" encoding=\"UTB-8\"?><自动套清单定额配置信息/>"},
         // What a conforming parser refuses though a lenient one reads it.
         {L"twice.xml",
          std::string(kHead) + "<自动套清单定额配置信息 Version=\"1\" Version=\"2\"/>"},
