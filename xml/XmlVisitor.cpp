@@ -19,6 +19,40 @@ void CheckName(const CString& name) {
         throw ComError(E_INVALIDARG, "not a valid XML name: \"" + ToUtf8(name) + "\"");
 }
 
+// A short name of ASCII letters, digits and "_" starting with a letter, narrowed on the stack:
+// valid as it stands, and the model reads and writes millions of attributes by such names.
+class PlainName {
+public:
+    explicit PlainName(const wchar_t* name) {
+        size_t length = 0;
+        for (; name && name[length]; ++length) {
+            const wchar_t c = name[length];
+            const bool letter = (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
+            const bool other = (c >= L'0' && c <= L'9') || c == L'_';
+            if (length + 1 >= sizeof m_text || !(letter || (length > 0 && other)))
+                return;
+            m_text[length] = static_cast<char>(c);
+        }
+        m_text[length] = '\0';
+        m_plain = length > 0;
+    }
+    explicit operator bool() const { return m_plain; }
+    const char* c_str() const { return m_text; }
+
+private:
+    char m_text[64];
+    bool m_plain = false;
+};
+
+void SetAttribute(XmlElement element, const char* key, const CString& value) {
+    // An existing attribute keeps its place; a new one goes last.
+    pugi::xml_attribute attribute = element.attribute(key);
+    if (!attribute)
+        attribute = element.append_attribute(key);
+    if (!attribute || !attribute.set_value(ToUtf8(value).c_str()))
+        throw ComError(E_OUTOFMEMORY, "can't set an attribute");
+}
+
 } // namespace
 
 XmlDocPtr XmlVisitor::CreateXmlDocPtr() {
@@ -60,19 +94,29 @@ void XmlVisitor::addatt(XmlElement element, const CString& name, const CString& 
     if (!IsElement(element))
         throw ComError(E_POINTER, "no element");
     CheckName(name);
-    const std::string key = ToUtf8(name);
-    // An existing attribute keeps its place; a new one goes last.
-    pugi::xml_attribute attribute = element.attribute(key.c_str());
-    if (!attribute)
-        attribute = element.append_attribute(key.c_str());
-    if (!attribute || !attribute.set_value(ToUtf8(value).c_str()))
-        throw ComError(E_OUTOFMEMORY, "can't set an attribute");
+    SetAttribute(element, ToUtf8(name).c_str(), value);
+}
+
+void XmlVisitor::addatt(XmlElement element, const wchar_t* name, const CString& value) {
+    const PlainName plain(name);
+    if (!plain || !IsElement(element))
+        return addatt(element, CString(name), value);
+    SetAttribute(element, plain.c_str(), value);
 }
 
 CString XmlVisitor::getNodeAttribute(XmlElement element, const CString& name) {
     if (!IsElement(element))
         return {};
     return FromUtf8(element.attribute(ToUtf8(name).c_str()).value());
+}
+
+CString XmlVisitor::getNodeAttribute(XmlElement element, const wchar_t* name) {
+    const PlainName plain(name);
+    if (!plain)
+        return getNodeAttribute(element, CString(name));
+    if (!IsElement(element))
+        return {};
+    return FromUtf8(element.attribute(plain.c_str()).value());
 }
 
 XmlNode XmlVisitor::selectSingleNode(XmlNode parent, const CString& name) {

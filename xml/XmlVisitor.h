@@ -17,8 +17,11 @@ public:
     static XmlElement addChild(XmlElement parent, const CString& name);
     // Creates or replaces the attribute. Raises E_POINTER when the handle is no element.
     static void addatt(XmlElement element, const CString& name, const CString& value);
+    // The same for the literal names the model passes, spared a conversion each call.
+    static void addatt(XmlElement element, const wchar_t* name, const CString& value);
     // The attribute's text; "" when absent or when the handle is no element. Never raises.
     static CString getNodeAttribute(XmlElement element, const CString& name);
+    static CString getNodeAttribute(XmlElement element, const wchar_t* name);
 
     // Helpers over pugixml for the DOM calls the model makes.
     // selectSingleNode with a plain element name: the first child element of that exact name.
