@@ -219,6 +219,26 @@ std::size_t FileReader::Read(char* into, std::size_t size) {
     return have;
 }
 
+std::size_t FileReader::ReadAt(char* into, std::size_t size, std::uint64_t offset) {
+    if (m_failure != ReadFailure::None)
+        return 0;
+    size_t have = 0;
+    while (have < size) {
+        const ssize_t n =
+            ::pread(m_fd, into + have, size - have, static_cast<off_t>(offset + have));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0) {
+            m_failure = ReadFailure::IoError;
+            return 0;
+        }
+        if (n == 0)
+            break;
+        have += static_cast<size_t>(n);
+    }
+    return have;
+}
+
 FileBytes ReadRegularFile(const CString& path, std::uint64_t maxBytes) {
     FileBytes out;
     FileReader reader(path, maxBytes);
@@ -344,13 +364,26 @@ bool AtomicFileWriter::Fail(std::string reason) {
 }
 
 bool AtomicFileWriter::Write(std::string_view bytes) {
+    constexpr size_t kGather = size_t{256} << 10;
     if (!m_error.empty())
         return false;
-    return WriteAll(m_fd, bytes) || Fail(std::strerror(errno));
+    if (m_pending.size() + bytes.size() > kGather && !Flush())
+        return false;
+    if (bytes.size() >= kGather)
+        return WriteAll(m_fd, bytes) || Fail(std::strerror(errno));
+    m_pending.reserve(kGather);
+    m_pending += bytes;
+    return true;
+}
+
+bool AtomicFileWriter::Flush() {
+    const bool written = WriteAll(m_fd, m_pending);
+    m_pending.clear();
+    return written || Fail(std::strerror(errno));
 }
 
 bool AtomicFileWriter::Commit() {
-    if (!m_error.empty())
+    if (!m_error.empty() || !Flush())
         return false;
     if (::fsync(m_fd) != 0)
         return Fail(std::strerror(errno));

@@ -51,6 +51,8 @@ public:
     // Fills `into` with up to `size` bytes, fewer only at the end of the file; 0 at its end.
     // On a read error, 0, and Failure() says so.
     std::size_t Read(char* into, std::size_t size);
+    // As Read, from `offset` and without moving where Read goes on.
+    std::size_t ReadAt(char* into, std::size_t size, std::uint64_t offset);
 
 private:
     int m_fd = -1;
@@ -96,12 +98,16 @@ public:
 
 private:
     bool Fail(std::string reason);
+    bool Flush();
 
     std::string m_target; // the file at the end of any links
     std::string m_temp;
     std::string m_prefix;
     int m_fd = -1;
     std::string m_error;
+    // Small pieces gather here: a serialiser hands over a few kilobytes at a time, and a
+    // system call for each would cost more than the copy.
+    std::string m_pending;
 };
 
 // The part after the last separator ("/", and "\\" for paths written on Windows).

@@ -9,23 +9,41 @@
 
 namespace {
 
-// Pieces of this size are read straight into the parser's buffer; the hash works on the same
-// pieces, so that a whole-file hash agrees with one taken while reading.
+// The save reads the file in pieces of this size; the hash works on pieces of the same size,
+// however the bytes arrive.
 constexpr std::size_t kPiece = std::size_t{1} << 20;
 // A declaration or byte-order mark shows within this many bytes.
 constexpr std::size_t kHeadBytes = 4096;
 
-std::uint64_t HashPiece(std::uint64_t hash, std::string_view piece) {
-    const std::uint64_t value = std::hash<std::string_view>{}(piece);
-    return (hash ^ value) * 0x100000001B3ULL + piece.size();
-}
+// A hash of bytes that arrive in pieces of any size: std::hash of each kPiece of them, mixed.
+class PieceHash {
+public:
+    PieceHash& Add(std::string_view bytes) {
+        if (!m_tail.empty()) {
+            const size_t take = std::min(kPiece - m_tail.size(), bytes.size());
+            m_tail.append(bytes.substr(0, take));
+            bytes.remove_prefix(take);
+            if (m_tail.size() < kPiece)
+                return *this;
+            m_hash = Mix(m_hash, m_tail);
+            m_tail.clear();
+        }
+        for (; bytes.size() >= kPiece; bytes.remove_prefix(kPiece))
+            m_hash = Mix(m_hash, bytes.substr(0, kPiece));
+        m_tail.assign(bytes);
+        return *this;
+    }
+    std::uint64_t Value() const { return m_tail.empty() ? m_hash : Mix(m_hash, m_tail); }
 
-std::uint64_t HashOf(std::string_view bytes) {
-    std::uint64_t hash = 0;
-    for (size_t at = 0; at < bytes.size(); at += kPiece)
-        hash = HashPiece(hash, bytes.substr(at, kPiece));
-    return hash;
-}
+private:
+    static std::uint64_t Mix(std::uint64_t hash, std::string_view piece) {
+        const std::uint64_t value = std::hash<std::string_view>{}(piece);
+        return (hash ^ value) * 0x100000001B3ULL + piece.size();
+    }
+
+    std::uint64_t m_hash = 0;
+    std::string m_tail;
+};
 
 struct Scan {
     bool loaded = false;
@@ -55,8 +73,9 @@ void Parsed(Scan& scan, XmlParser& parser, const std::string& where, bool ok) {
     }
 }
 
-// Reads and parses the file, building into `dom` what `build` asks for. UTF-8 goes to the
-// parser piece by piece as it is read; other encodings are read whole and converted first.
+// Reads and parses the file, building into `dom` what `build` asks for. UTF-8 is read whole
+// straight into the parser's buffer and parsed as one final piece: no copy, and none of the
+// line counting expat does between pieces. Other encodings are read whole and converted first.
 Scan ScanFile(const CString& path, pugi::xml_document& dom, XmlParser::Build build,
               const std::string& specName) {
     Scan scan;
@@ -67,18 +86,22 @@ Scan ScanFile(const CString& path, pugi::xml_document& dom, XmlParser::Build bui
         return scan;
     }
     XmlParser parser(dom, build, specName);
-    char* piece = parser.Buffer(kPiece);
+    // One byte to spare, so that the read that finds the end needs no second piece; a file
+    // that grows meanwhile reads on in pieces.
+    size_t room = static_cast<size_t>(reader.Size()) + 1;
+    char* piece = parser.Buffer(room);
     if (!piece) {
         Parsed(scan, parser, where, false);
         return scan;
     }
-    size_t got = reader.Read(piece, kPiece);
+    size_t got = reader.Read(piece, room);
     scan.encoding = SniffXmlEncoding(std::string_view(piece, std::min(got, kHeadBytes)));
     if (!scan.encoding.error.empty()) {
         scan.failure = XmlLoadFailure::Malformed;
         scan.error = where + ": " + scan.encoding.error;
         return scan;
     }
+    PieceHash hash;
     if (!scan.encoding.IsUtf8()) {
         FileBytes whole = ReadRegularFile(path, kMaxXmlFileBytes);
         if (!whole) {
@@ -86,7 +109,7 @@ Scan ScanFile(const CString& path, pugi::xml_document& dom, XmlParser::Build bui
             return scan;
         }
         scan.size = whole.bytes.size();
-        scan.hash = HashOf(whole.bytes);
+        scan.hash = hash.Add(whole.bytes).Value();
         std::string why;
         std::optional<std::string> text =
             DecodeXmlBytes(std::move(whole.bytes), scan.encoding, &why);
@@ -109,30 +132,84 @@ Scan ScanFile(const CString& path, pugi::xml_document& dom, XmlParser::Build bui
             ReadFailed(scan, where, ReadFailure::TooLarge, "the file is too large");
             return scan;
         }
-        scan.hash = HashPiece(scan.hash, std::string_view(piece, got));
-        const bool last = got < kPiece;
+        hash.Add(std::string_view(piece, got));
+        const bool last = got < room;
         ok = parser.ParseBuffer(got, last);
         if (!ok || last)
             break;
-        piece = parser.Buffer(kPiece);
+        room = kPiece;
+        piece = parser.Buffer(room);
         if (!piece) {
             ok = false;
             break;
         }
-        got = reader.Read(piece, kPiece);
+        got = reader.Read(piece, room);
     }
+    scan.hash = hash.Value();
     Parsed(scan, parser, where, ok);
     return scan;
 }
 
-class WriterSink {
+// The file as a splice reads it: in order, a piece at a time, every byte hashed as the open
+// hashed them, so that the save finds out whether the file is still the one the open laid out
+// while it copies.
+class FileSource : public SpliceSource {
 public:
-    explicit WriterSink(AtomicFileWriter& writer) : m_writer(writer) {}
-    void operator()(std::string_view piece) { m_writer.Write(piece); }
+    FileSource(FileReader& reader, std::uint64_t size)
+        : m_reader(reader), m_size(size), m_piece(new char[kPiece]) {}
+
+    std::uint64_t Size() const override { return m_size; }
+
+    void Copy(std::uint64_t begin, std::uint64_t end, const SpliceSink& out) override {
+        while (begin < end && Reach(begin)) {
+            const std::uint64_t stop = std::min(end, m_pieceBegin + m_pieceSize);
+            out(std::string_view(m_piece.get() + (begin - m_pieceBegin), stop - begin));
+            begin = stop;
+        }
+    }
+
+    bool Peek(std::uint64_t offset, std::size_t size, char* into) override {
+        return m_reader.ReadAt(into, size, offset) == size;
+    }
+
+    // Reads what is left; whether the file held exactly the bytes the open hashed.
+    bool Unchanged(std::uint64_t hash) {
+        Reach(UINT64_MAX);
+        return m_reader.Failure() == ReadFailure::None && m_read == m_size &&
+               m_hash.Value() == hash;
+    }
 
 private:
-    AtomicFileWriter& m_writer;
+    // Reads the pieces up to the one holding `at`; false when the file ends before it.
+    bool Reach(std::uint64_t at) {
+        while (at >= m_pieceBegin + m_pieceSize) {
+            if (m_ended)
+                return false;
+            m_pieceBegin += m_pieceSize;
+            m_pieceSize = m_reader.Read(m_piece.get(), kPiece);
+            m_ended = m_pieceSize < kPiece;
+            m_hash.Add(std::string_view(m_piece.get(), m_pieceSize));
+            m_read += m_pieceSize;
+        }
+        return true;
+    }
+
+    FileReader& m_reader;
+    const std::uint64_t m_size;
+    std::unique_ptr<char[]> m_piece;
+    std::uint64_t m_pieceBegin = 0;
+    std::size_t m_pieceSize = 0;
+    std::uint64_t m_read = 0;
+    PieceHash m_hash;
+    bool m_ended = false;
 };
+
+const XmlTopChild* ChildNamed(const XmlLayout& layout, const std::string& name) {
+    for (const XmlTopChild& child : layout.children)
+        if (child.name == name)
+            return &child;
+    return nullptr;
+}
 
 } // namespace
 
@@ -166,6 +243,10 @@ ConfigFile::Saved ConfigFile::Save(const CString& path, pugi::xml_node spec,
                                    const CString& specName, const CString& version,
                                    std::string* why) {
     const std::string rootName = ToUtf8(CString(kConfigRootName));
+    const std::string name = ToUtf8(specName);
+    if (std::optional<Saved> saved = SaveAsOpened(path, spec, name, version, why))
+        return *saved;
+
     FileBytes read = ReadRegularFile(path, kMaxXmlFileBytes);
     if (!read && read.failure != ReadFailure::Missing) {
         if (why)
@@ -182,7 +263,7 @@ ConfigFile::Saved ConfigFile::Save(const CString& path, pugi::xml_node spec,
     XmlLayout layout;
     bool laidOut = false;
     if (read && m_snapshot && m_snapshot->size == read.bytes.size() &&
-        m_snapshot->hash == HashOf(read.bytes)) {
+        m_snapshot->hash == PieceHash().Add(read.bytes).Value()) {
         encoding = m_snapshot->encoding;
         layout = m_snapshot->layout;
         laidOut = true;
@@ -214,18 +295,11 @@ ConfigFile::Saved ConfigFile::Save(const CString& path, pugi::xml_node spec,
     if (layout.rootName != rootName)
         return Saved::OtherRoot;
 
-    const std::string name = ToUtf8(specName);
-    const XmlTopChild* cut = nullptr;
-    for (const XmlTopChild& child : layout.children)
-        if (child.name == name) {
-            cut = &child;
-            break;
-        }
+    const XmlTopChild* cut = ChildNamed(layout, name);
     const XmlSpan& tag = layout.rootStartTag;
     std::string startTag(text.substr(tag.begin, tag.end - tag.begin));
     if (!version.IsEmpty())
         startTag = WithAttribute(startTag, "Version", ToUtf8(version));
-    const std::string appended = ElementText(spec, 1);
 
     auto failed = [why](const std::string& reason) {
         if (why)
@@ -255,12 +329,13 @@ ConfigFile::Saved ConfigFile::Save(const CString& path, pugi::xml_node spec,
 
     if (encoding.IsUtf8()) {
         AtomicFileWriter writer(path);
-        SpliceDocument(text, layout, cut, startTag, appended, WriterSink(writer));
+        SpliceDocument(text, layout, cut, startTag, spec,
+                       [&writer](std::string_view piece) { writer.Write(piece); });
         return writer.Commit() ? Saved::Written : failed(writer.Error());
     }
     std::string whole;
-    whole.reserve(text.size() + appended.size());
-    SpliceDocument(text, layout, cut, startTag, appended,
+    whole.reserve(text.size());
+    SpliceDocument(text, layout, cut, startTag, spec,
                    [&whole](std::string_view piece) { whole += piece; });
     std::string reason;
     std::optional<std::string> bytes =
@@ -268,4 +343,41 @@ ConfigFile::Saved ConfigFile::Save(const CString& path, pugi::xml_node spec,
     if (!bytes)
         return failed(reason);
     return WriteFileAtomically(path, *bytes, &reason) ? Saved::Written : failed(reason);
+}
+
+std::optional<ConfigFile::Saved> ConfigFile::SaveAsOpened(const CString& path, pugi::xml_node spec,
+                                                          const std::string& specName,
+                                                          const CString& version,
+                                                          std::string* why) {
+    if (!m_snapshot || !m_snapshot->encoding.IsUtf8())
+        return std::nullopt;
+    const XmlLayout& layout = m_snapshot->layout;
+    if (layout.rootName != ToUtf8(CString(kConfigRootName)))
+        return std::nullopt;
+    const XmlTopChild* cut = ChildNamed(layout, specName);
+    if (cut && !cut->inText)
+        return std::nullopt;
+    FileReader reader(path, kMaxXmlFileBytes);
+    if (!reader || reader.Size() != m_snapshot->size)
+        return std::nullopt;
+    const XmlSpan& tag = layout.rootStartTag;
+    std::string startTag(tag.end - tag.begin, '\0');
+    if (reader.ReadAt(startTag.data(), startTag.size(), tag.begin) != startTag.size())
+        return std::nullopt;
+    if (!version.IsEmpty())
+        startTag = WithAttribute(startTag, "Version", ToUtf8(version));
+
+    AtomicFileWriter writer(path);
+    FileSource source(reader, m_snapshot->size);
+    SpliceDocument(source, layout, cut, startTag, spec,
+                   [&writer](std::string_view piece) { writer.Write(piece); });
+    // Changed since the open: the temporary file goes with the writer, and the caller parses
+    // the file as it is now.
+    if (!source.Unchanged(m_snapshot->hash))
+        return std::nullopt;
+    if (writer.Commit())
+        return Saved::Written;
+    if (why)
+        *why = writer.Error();
+    return Saved::Failed;
 }

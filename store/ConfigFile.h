@@ -58,6 +58,13 @@ public:
     static CheckResult Check(const CString& path);
 
 private:
+    // A save of the file the open read, its bytes going from disk to the new file piece by
+    // piece where the open's layout says; nothing when that does not apply (nothing opened,
+    // another encoding, a specialty an entity produced) or the file changed meanwhile.
+    std::optional<Saved> SaveAsOpened(const CString& path, pugi::xml_node spec,
+                                      const std::string& specName, const CString& version,
+                                      std::string* why);
+
     // What the last Open saw of the file, so that a save of the same bytes needs no second
     // parse: the bytes' size and hash, their encoding, and where the parts lie.
     struct Snapshot {

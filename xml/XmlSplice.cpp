@@ -1,5 +1,6 @@
 #include "xml/XmlSplice.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -40,13 +41,54 @@ std::string EscapeAttribute(std::string_view value) {
     return out;
 }
 
-class StringWriter : public pugi::xml_writer {
+// Passes what pugixml prints on to a sink as it comes.
+class SinkWriter : public pugi::xml_writer {
 public:
+    explicit SinkWriter(const SpliceSink& out) : m_out(out) {}
     void write(const void* data, size_t size) override {
-        text.append(static_cast<const char*>(data), size);
+        m_out(std::string_view(static_cast<const char*>(data), size));
     }
-    std::string text;
+
+private:
+    const SpliceSink& m_out;
 };
+
+class TextSource : public SpliceSource {
+public:
+    explicit TextSource(std::string_view text) : m_text(text) {}
+    std::uint64_t Size() const override { return m_text.size(); }
+    void Copy(std::uint64_t begin, std::uint64_t end, const SpliceSink& out) override {
+        out(m_text.substr(begin, end - begin));
+    }
+    bool Peek(std::uint64_t offset, std::size_t size, char* into) override {
+        if (offset > m_text.size() || size > m_text.size() - offset)
+            return false;
+        m_text.copy(into, size, offset);
+        return true;
+    }
+
+private:
+    std::string_view m_text;
+};
+
+// Where the run of blanks that ends at `end` begins, not before `floor`. The source is read
+// backwards a block at a time: runs are short, the text may be long.
+std::uint64_t BlanksFrom(SpliceSource& source, std::uint64_t end, std::uint64_t floor) {
+    char block[4096];
+    while (end > floor) {
+        const std::uint64_t from = end - std::min<std::uint64_t>(end - floor, sizeof block);
+        const auto size = static_cast<std::size_t>(end - from);
+        if (!source.Peek(from, size, block))
+            return end; // what can't be read is kept; the source reports its own failure
+        std::size_t at = size;
+        while (at > 0 && IsBlank(block[at - 1]))
+            --at;
+        if (at > 0)
+            return from + at;
+        end = from;
+    }
+    return floor;
+}
 
 } // namespace
 
@@ -86,33 +128,21 @@ std::string WithAttribute(std::string_view startTag, std::string_view name,
            EscapeAttribute(value) + "\"" + std::string(startTag.substr(end));
 }
 
-std::string ElementText(pugi::xml_node element, unsigned depth) {
-    StringWriter writer;
-    element.print(writer, "  ", pugi::format_indent, pugi::encoding_utf8, depth);
-    return std::move(writer.text);
-}
-
-void SpliceDocument(std::string_view text, const XmlLayout& layout, const XmlTopChild* cut,
-                    std::string_view startTag, std::string_view appended,
-                    const std::function<void(std::string_view)>& out) {
-    const size_t contentBegin = layout.rootStartTag.end;
-    const size_t contentEnd = layout.rootEndTag.begin;
-    size_t firstEnd = contentEnd;
-    size_t secondBegin = contentEnd;
+void SpliceDocument(SpliceSource& source, const XmlLayout& layout, const XmlTopChild* cut,
+                    std::string_view startTag, pugi::xml_node appended, const SpliceSink& out) {
+    const std::uint64_t contentBegin = layout.rootStartTag.end;
+    const std::uint64_t contentEnd = layout.rootEndTag.begin;
+    std::uint64_t firstEnd = contentEnd;
+    std::uint64_t secondBegin = contentEnd;
     if (cut) {
-        firstEnd = cut->span.begin;
-        while (firstEnd > contentBegin && IsBlank(text[firstEnd - 1]))
-            --firstEnd;
+        firstEnd = BlanksFrom(source, cut->span.begin, contentBegin);
         secondBegin = cut->span.end;
     }
-    size_t secondEnd = contentEnd;
-    while (secondEnd > secondBegin && IsBlank(text[secondEnd - 1]))
-        --secondEnd;
+    const std::uint64_t secondEnd = BlanksFrom(source, contentEnd, secondBegin);
     if (secondEnd == secondBegin)
-        while (firstEnd > contentBegin && IsBlank(text[firstEnd - 1]))
-            --firstEnd;
+        firstEnd = BlanksFrom(source, firstEnd, contentBegin);
 
-    out(text.substr(0, layout.rootStartTag.begin));
+    source.Copy(0, layout.rootStartTag.begin, out);
     if (layout.SelfClosed()) {
         // "<root .../>" opens instead, and its end tag comes with the new child.
         std::string_view open = startTag.substr(0, startTag.size() - 2);
@@ -123,16 +153,23 @@ void SpliceDocument(std::string_view text, const XmlLayout& layout, const XmlTop
     } else {
         out(startTag);
     }
-    out(text.substr(contentBegin, firstEnd - contentBegin));
-    out(text.substr(secondBegin, secondEnd - secondBegin));
+    source.Copy(contentBegin, firstEnd, out);
+    source.Copy(secondBegin, secondEnd, out);
     out("\n");
-    out(appended);
+    SinkWriter writer(out);
+    appended.print(writer, "  ", pugi::format_indent, pugi::encoding_utf8, 1);
     if (layout.SelfClosed()) {
         out("</");
         out(layout.rootName);
         out(">");
     } else {
-        out(text.substr(layout.rootEndTag.begin, layout.rootEndTag.end - layout.rootEndTag.begin));
+        source.Copy(layout.rootEndTag.begin, layout.rootEndTag.end, out);
     }
-    out(text.substr(layout.rootEndTag.end));
+    source.Copy(layout.rootEndTag.end, source.Size(), out);
+}
+
+void SpliceDocument(std::string_view text, const XmlLayout& layout, const XmlTopChild* cut,
+                    std::string_view startTag, pugi::xml_node appended, const SpliceSink& out) {
+    TextSource source(text);
+    SpliceDocument(source, layout, cut, startTag, appended, out);
 }
