@@ -3,11 +3,14 @@
 # XML baselines that do less: expat's well-formedness check, pugixml's parse, pugixml's parse,
 # set and save, and lxml's parse, set and write. Prints medians, the ratios between them and
 # peak memory against the file's size; writes the numbers to BUILD/bench-data/results.json.
+# The commands on W run in rounds, each round all of them three times over, and each ratio is
+# the median of the ratios within rounds: a machine that slows down for a while (another
+# program's disk writes, a neighbour on the host) then slows both sides of a ratio alike.
 #
-#   bench/xml-layer.sh [--scaling] [--runs N] [--no-build] [BUILD]
+#   bench/xml-layer.sh [--scaling] [--rounds N] [--no-build] [BUILD]
 #
 # --scaling  also times open and edit on W/4, W/2 and 2W, to show how they grow with the file.
-# --runs N   timed runs per command (at least 10, the default).
+# --rounds N rounds on W (at least 5; 10 by default).
 # --no-build use the programs already in BUILD.
 # BUILD      the CMake build folder (default: build); NINJA in the environment replaces the
 #            ninja command.
@@ -18,19 +21,19 @@ set -euo pipefail
 
 ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 SCALING=0
-RUNS=10
+ROUNDS=10
 BUILD_PROGRAMS=1
 BUILD=""
 while [ $# -gt 0 ]; do
     case "$1" in
     --scaling) SCALING=1 ;;
-    --runs)
-        RUNS=${2:?--runs needs a number}
+    --rounds)
+        ROUNDS=${2:?--rounds needs a number}
         shift
         ;;
     --no-build) BUILD_PROGRAMS=0 ;;
     -h | --help)
-        sed -n '2,17p' "$0" | sed 's/^# \{0,1\}//'
+        sed -n '2,20p' "$0" | sed 's/^# \{0,1\}//'
         exit 0
         ;;
     -*)
@@ -41,8 +44,8 @@ while [ $# -gt 0 ]; do
     esac
     shift
 done
-if ! [[ $RUNS =~ ^[0-9]+$ ]] || [ "$RUNS" -lt 10 ]; then
-    echo "xml-layer.sh: --runs takes a number of at least 10" >&2
+if ! [[ $ROUNDS =~ ^[0-9]+$ ]] || [ "$ROUNDS" -lt 5 ]; then
+    echo "xml-layer.sh: --rounds takes a number of at least 5" >&2
     exit 2
 fi
 BUILD=${BUILD:-$ROOT/build}
@@ -173,7 +176,7 @@ peak_kib() { # PREPARE COMMAND
     printf '%s\n' "${samples[@]}" | sort -n | sed -n 2p
 }
 
-HF=(hyperfine --style basic --warmup 2 --min-runs "$RUNS")
+HF=(hyperfine --style basic --warmup 2 --min-runs 10)
 MEMORY=$WORK/memory.txt
 : >"$MEMORY"
 
@@ -203,8 +206,14 @@ args=()
 for i in "${!NAMES[@]}"; do
     args+=(-n "${NAMES[$i]}" -p "${PREPARES[$i]}" "${COMMANDS[$i]}")
 done
-say "timing W ($(cat "$(pack 1)/generated.txt"))"
-"${HF[@]}" --export-json "$DATA/hyperfine-W.json" "${args[@]}"
+say "timing W in $ROUNDS rounds ($(cat "$(pack 1)/generated.txt"))"
+rm -f "$DATA"/hyperfine-W-round-*.json
+for round in $(seq "$ROUNDS"); do
+    printf ' %s' "$round"
+    hyperfine --style none --warmup 1 --runs 3 \
+        --export-json "$DATA/hyperfine-W-round-$round.json" "${args[@]}" >/dev/null
+done
+echo
 
 say "peak memory on W"
 for i in "${!NAMES[@]}"; do
@@ -236,6 +245,7 @@ git -C "$ROOT" diff --quiet HEAD 2>/dev/null || REVISION="$REVISION+changes"
 import json
 import os
 import re
+import statistics
 import sys
 
 data, memory_file, revision, scales = sys.argv[1], sys.argv[2], sys.argv[3], sys.argv[4:]
@@ -263,17 +273,40 @@ with open(memory_file, encoding="utf-8") as f:
         scale, command, kib = line.split()
         memory.setdefault(scale, {})[command] = int(kib) * 1024
 
+def rounds():
+    """Each round's times of each command, in the order of the rounds."""
+    found = []
+    for name in os.listdir(data):
+        match = re.fullmatch(r"hyperfine-W-round-(\d+)\.json", name)
+        if match:
+            with open(os.path.join(data, name), encoding="utf-8") as f:
+                found.append((int(match.group(1)),
+                              {r["command"]: r["times"] for r in json.load(f)["results"]}))
+    return [times for _, times in sorted(found)]
+
+
 w = workload("1")
-timing = medians("hyperfine-W.json")
-for command, row in timing.items():
-    row["peak_rss_bytes"] = memory["1"][command]
-t = {command: row["median_s"] for command, row in timing.items()}
+per_round = rounds()
+timing = {}
+for command in per_round[0]:
+    times = [t for round_times in per_round for t in round_times[command]]
+    timing[command] = {"median_s": statistics.median(times), "min_s": min(times),
+                       "max_s": max(times), "runs": len(times),
+                       "peak_rss_bytes": memory["1"][command]}
+
+
+def paired(a, b):
+    """The median over rounds of the ratio of the two commands' medians within a round."""
+    return statistics.median(statistics.median(r[a]) / statistics.median(r[b])
+                             for r in per_round)
+
+
 ratios = {
-    "open/expat-check": t["open"] / t["expat-check"],
-    "open/pugixml-parse": t["open"] / t["pugixml-parse"],
-    "edit/expat-check": t["edit"] / t["expat-check"],
-    "edit/pugixml-edit": t["edit"] / t["pugixml-edit"],
-    "edit/lxml-edit": t["edit"] / t["lxml-edit"],
+    "open/expat-check": paired("open", "expat-check"),
+    "open/pugixml-parse": paired("open", "pugixml-parse"),
+    "edit/expat-check": paired("edit", "expat-check"),
+    "edit/pugixml-edit": paired("edit", "pugixml-edit"),
+    "edit/lxml-edit": paired("edit", "lxml-edit"),
     "open peak memory/file size": memory["1"]["open"] / w["bytes"],
     "edit peak memory/file size": memory["1"]["edit"] / w["bytes"],
 }

@@ -148,24 +148,39 @@ void CStringArray::RemoveAt(int index, int count) {
     m_items.erase(m_items.begin() + index, m_items.begin() + last);
 }
 
-void AppendUtf8(std::string& out, char32_t c) {
+namespace {
+
+// Writes the UTF-8 of c (U+FFFD for what is no scalar value) at `out`; the number of bytes.
+size_t EncodeUtf8(char32_t c, char* out) {
     if (c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF))
         c = 0xFFFD;
     if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | (c >> 12));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (c >> 18));
-        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
+        out[0] = static_cast<char>(c);
+        return 1;
     }
+    if (c < 0x800) {
+        out[0] = static_cast<char>(0xC0 | (c >> 6));
+        out[1] = static_cast<char>(0x80 | (c & 0x3F));
+        return 2;
+    }
+    if (c < 0x10000) {
+        out[0] = static_cast<char>(0xE0 | (c >> 12));
+        out[1] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+        out[2] = static_cast<char>(0x80 | (c & 0x3F));
+        return 3;
+    }
+    out[0] = static_cast<char>(0xF0 | (c >> 18));
+    out[1] = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+    out[2] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    out[3] = static_cast<char>(0x80 | (c & 0x3F));
+    return 4;
+}
+
+} // namespace
+
+void AppendUtf8(std::string& out, char32_t c) {
+    char bytes[4];
+    out.append(bytes, EncodeUtf8(c, bytes));
 }
 
 // Length of the valid UTF-8 sequence at the start of `s` and its code point; 0 when the
@@ -196,10 +211,13 @@ size_t DecodeUtf8(std::string_view s, char32_t& cp) {
 }
 
 std::string ToUtf8(std::wstring_view text) {
-    std::string out;
-    out.reserve(text.size());
+    // Sized for the longest encoding and cut to what was written: the model converts every
+    // attribute it saves, so this runs hundreds of thousands of times per save.
+    std::string out(text.size() * 4, '\0');
+    size_t at = 0;
     for (wchar_t wc : text)
-        AppendUtf8(out, static_cast<char32_t>(wc));
+        at += EncodeUtf8(static_cast<char32_t>(wc), out.data() + at);
+    out.resize(at);
     return out;
 }
 
@@ -212,6 +230,10 @@ CString FromUtf8(std::string_view text) {
     out.reserve(text.size());
     size_t i = 0;
     while (i < text.size()) {
+        if (static_cast<unsigned char>(text[i]) < 0x80) {
+            out += static_cast<wchar_t>(text[i++]);
+            continue;
+        }
         char32_t c = 0;
         size_t len = DecodeUtf8(text.substr(i), c);
         out += static_cast<wchar_t>(len ? c : 0xFFFD);

@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   g++ cmake ninja-build pkg-config make
-  libpugixml-dev libexpat1-dev libsqlite3-dev
+  libpugixml-dev libexpat1-dev libsqlite3-dev libxxhash-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   qt6-base-dev fonts-noto-cjk fonts-dejavu-core
   xvfb xauth
