@@ -745,8 +745,11 @@ UINT KoListView::StoredState(int row) const {
 }
 
 void KoListView::SyncStates(bool notify) {
-    if (batchDepth > 0)
-        return; // the batch syncs once when its whole change is made
+    if (batchDepth > 0) {
+        syncPending = true; // the batch syncs once when its whole change is made
+        return;
+    }
+    syncPending = false;
     const int generation = ++syncGeneration;
     const int count = topLevelItemCount();
     const QTreeWidgetItem* current = currentItem();
