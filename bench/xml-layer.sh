@@ -210,8 +210,13 @@ say "timing W in $ROUNDS rounds ($(cat "$(pack 1)/generated.txt"))"
 rm -f "$DATA"/hyperfine-W-round-*.json
 for round in $(seq "$ROUNDS"); do
     printf ' %s' "$round"
+    # Quiet: three runs a round draw hyperfine's warning about outliers every time.
     hyperfine --style none --warmup 1 --runs 3 \
-        --export-json "$DATA/hyperfine-W-round-$round.json" "${args[@]}" >/dev/null
+        --export-json "$DATA/hyperfine-W-round-$round.json" "${args[@]}" \
+        >/dev/null 2>"$WORK/hyperfine.err" || {
+        cat "$WORK/hyperfine.err" >&2
+        exit 1
+    }
 done
 echo
 
