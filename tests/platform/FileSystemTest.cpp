@@ -81,3 +81,44 @@ TEST(FileSystemTest, SplitsAndJoinsPaths) {
     EXPECT_EQ(JoinPath(L"c:\\p\\", L"r.ini"), L"c:\\p\\r.ini");
     EXPECT_EQ(JoinPath(L"", L"r.ini"), L"r.ini");
 }
+
+// The store writes a file as a stream of pieces from a few bytes (a serialiser's) to a
+// megabyte (a copy from disk): whatever their sizes, the file must hold them in order, and a
+// writer dropped before its commit must leave the old file as it was.
+TEST(FileSystemTest, PieceWriterKeepsOrderAcrossSizesAndReaderReadsAtOffsets) {
+    TempDir dir;
+    CString file = dir.Write(L"big.xml", "old");
+    std::string expected;
+    {
+        AtomicFileWriter writer(file);
+        int seed = 0;
+        for (size_t size : {size_t{1}, size_t{2000}, size_t{300000}, size_t{5}, size_t{262143},
+                            size_t{262144}, size_t{7}, size_t{1} << 20, size_t{3}}) {
+            std::string piece(size, '\0');
+            for (char& c : piece)
+                c = static_cast<char>('a' + (seed++ % 26));
+            expected += piece;
+            ASSERT_TRUE(writer.Write(piece));
+        }
+        EXPECT_EQ(dir.Read(L"big.xml"), "old"); // nothing shows before the commit
+        ASSERT_TRUE(writer.Commit());
+    }
+    EXPECT_EQ(dir.Read(L"big.xml"), expected);
+    {
+        AtomicFileWriter dropped(file);
+        ASSERT_TRUE(dropped.Write("short"));
+    }
+    EXPECT_EQ(dir.Read(L"big.xml"), expected);
+    EXPECT_EQ(OtherEntries(dir, "big.xml"), 0);
+
+    FileReader reader(file);
+    ASSERT_TRUE(reader);
+    char bytes[8] = {};
+    ASSERT_EQ(reader.ReadAt(bytes, 4, 300001), 4u);
+    EXPECT_EQ(std::string(bytes, 4), expected.substr(300001, 4));
+    EXPECT_EQ(reader.ReadAt(bytes, 8, expected.size() - 3), 3u); // short at the end
+    EXPECT_EQ(reader.ReadAt(bytes, 8, expected.size() + 10), 0u);
+    // ReadAt leaves where Read goes on alone.
+    ASSERT_EQ(reader.Read(bytes, 5), 5u);
+    EXPECT_EQ(std::string(bytes, 5), expected.substr(0, 5));
+}
