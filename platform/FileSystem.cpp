@@ -201,31 +201,23 @@ FileReader::~FileReader() {
 }
 
 std::size_t FileReader::Read(char* into, std::size_t size) {
-    if (m_failure != ReadFailure::None)
-        return 0;
-    size_t have = 0;
-    while (have < size) {
-        const ssize_t n = ::read(m_fd, into + have, size - have);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n < 0) {
-            m_failure = ReadFailure::IoError;
-            return 0;
-        }
-        if (n == 0)
-            break;
-        have += static_cast<size_t>(n);
-    }
-    return have;
+    return Fill(into, size,
+                [this](char* at, size_t count, size_t) { return ::read(m_fd, at, count); });
 }
 
 std::size_t FileReader::ReadAt(char* into, std::size_t size, std::uint64_t offset) {
+    return Fill(into, size, [this, offset](char* at, size_t count, size_t have) {
+        return ::pread(m_fd, at, count, static_cast<off_t>(offset + have));
+    });
+}
+
+template <class ReadSome>
+std::size_t FileReader::Fill(char* into, std::size_t size, ReadSome readSome) {
     if (m_failure != ReadFailure::None)
         return 0;
     size_t have = 0;
     while (have < size) {
-        const ssize_t n =
-            ::pread(m_fd, into + have, size - have, static_cast<off_t>(offset + have));
+        const ssize_t n = readSome(into + have, size - have, have);
         if (n < 0 && errno == EINTR)
             continue;
         if (n < 0) {

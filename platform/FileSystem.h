@@ -55,6 +55,9 @@ public:
     std::size_t ReadAt(char* into, std::size_t size, std::uint64_t offset);
 
 private:
+    // Calls readSome(at, count, have) until `size` bytes are in or the file ends.
+    template <class ReadSome> std::size_t Fill(char* into, std::size_t size, ReadSome readSome);
+
     int m_fd = -1;
     std::uint64_t m_size = 0;
     ReadFailure m_failure = ReadFailure::None;
