@@ -35,10 +35,12 @@ struct GlobalOptions {
     CString projectFile;
     CString configDir;
     CString file; // empty: the current configuration
+    CString spec; // empty: the project's current specialty
     bool json = false;
     bool dryRun = false;
     bool force = false; // edit a file that does not load, or that a workbench has open
     bool help = false;
+    bool version = false;
 };
 
 class Spec;
@@ -61,6 +63,9 @@ public:
     void GuardEdit(const CString& file);
     // Resolves "专业\大类\小类" or "大类\小类" in the current specialty; UsageError otherwise.
     CPath ResolveCategory(const CString& text, const SMember** found = nullptr);
+    // A configuration of the small category at `path`: its id, or "#N" for the N-th in the
+    // list as the workbench shows it. UsageError when there is none.
+    int ResolveConfig(const CPath& path, const std::string& text);
 
 private:
     void LockForEdit(const CString& file);
@@ -80,6 +85,8 @@ struct CommandSpec {
     std::string summary; // one line
     std::string help;    // details and examples
     std::function<int(CliContext&, const std::vector<std::string>&)> run;
+    // Runs without the data pack (help, completion): its context has no host data.
+    bool standalone = false;
 };
 
 // Every command of the tool, in the order the help lists them.
@@ -97,6 +104,10 @@ struct ParsedArgs {
 };
 ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::set<std::string>& valued,
                      const std::set<std::string>& flags = {});
+// The nearest of `names` to a mistyped `typed`, or "" when none is near enough.
+std::string ClosestName(const std::string& typed, const std::vector<std::string>& names);
+// The global options, as written on the command line.
+const std::vector<std::string>& GlobalOptionNames();
 // A node id: decimal digits only; UsageError otherwise.
 int ParseId(const std::string& text, const std::string& what);
 // Prints one small category's configurations (as `show` does).

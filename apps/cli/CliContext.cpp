@@ -111,24 +111,43 @@ std::vector<CString> SplitCategory(const CString& text) {
 }
 } // namespace
 
+namespace {
+// A part of a category path names a node by its name, or by its id as `tree` prints it.
+template <class Node> bool Names(const Node& node, const CString& part) {
+    if (node.GetName() == part)
+        return true;
+    const std::string text = ToUtf8(part);
+    return !text.empty() && text.size() <= 9 &&
+           text.find_first_not_of("0123456789") == std::string::npos &&
+           std::stoi(text) == node.GetId();
+}
+
+struct SpecName {
+    const Spec& spec;
+    CString GetName() const { return spec.GetSpecName(); }
+    int GetId() const { return spec.GetId(); }
+};
+} // namespace
+
 CPath CliContext::ResolveCategory(const CString& text, const SMember** found) {
     const Spec& spec = Tree();
     std::vector<CString> parts = SplitCategory(text);
     if (parts.size() == 3) {
-        if (parts[0] != spec.GetSpecName())
+        if (!Names(SpecName{spec}, parts[0]))
             throw UsageError("category \"" + ToUtf8(text) +
                              "\" is not in the current specialty \"" + ToUtf8(spec.GetSpecName()) +
-                             "\"");
+                             "\"; --spec NAME works on another one");
         parts.erase(parts.begin());
     }
     if (parts.size() != 2)
         throw UsageError("category \"" + ToUtf8(text) +
-                         "\" must be written SPECIALTY\\LARGE\\SMALL or LARGE\\SMALL");
+                         "\" must be written SPECIALTY\\LARGE\\SMALL or LARGE\\SMALL (names or ids "
+                         "as `koqdde tree` prints them)");
     for (LMember* large : spec.GetAllLMember()) {
-        if (large->GetName() != parts[0])
+        if (!Names(*large, parts[0]))
             continue;
         for (SMember* small : large->GetAllSMember()) {
-            if (small->GetName() != parts[1])
+            if (!Names(*small, parts[1]))
                 continue;
             CPath path;
             path.SpecId = spec.GetId();
@@ -141,6 +160,26 @@ CPath CliContext::ResolveCategory(const CString& text, const SMember** found) {
     }
     throw UsageError("unknown category \"" + ToUtf8(text) + "\" in specialty \"" +
                      ToUtf8(spec.GetSpecName()) + "\"");
+}
+
+int CliContext::ResolveConfig(const CPath& path, const std::string& text) {
+    std::vector<ConfigNode*> configs;
+    Presenter().GetConfig(path, configs);
+    if (!text.empty() && text[0] == '#') {
+        int position = ParseId(text.substr(1), "a position after #");
+        if (position < 1 || static_cast<size_t>(position) > configs.size())
+            throw UsageError("no configuration " + text + ": the category has " +
+                             std::to_string(configs.size()) + ", #1 to #" +
+                             std::to_string(configs.size()));
+        return configs[static_cast<size_t>(position) - 1]->GetId();
+    }
+    int id = ParseId(text, "CONFIG-ID");
+    for (const ConfigNode* config : configs)
+        if (config->GetId() == id)
+            return id;
+    throw UsageError("no configuration " + text +
+                     " in this category (`koqdde show` lists them; #N "
+                     "addresses the N-th)");
 }
 
 void PrintLine(const std::string& text) {
@@ -177,8 +216,16 @@ ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::set<std::s
                 throw UsageError(key + " needs a value");
         } else if (flags.count(key) && eq == std::string::npos) {
             parsed.flags.insert(key);
+        } else if (flags.count(key)) {
+            throw UsageError(key + " takes no value");
         } else {
-            throw UsageError("unknown option " + key);
+            std::vector<std::string> known(valued.begin(), valued.end());
+            known.insert(known.end(), flags.begin(), flags.end());
+            const auto& globals = GlobalOptionNames();
+            known.insert(known.end(), globals.begin(), globals.end());
+            std::string near = ClosestName(key, known);
+            throw UsageError("unknown option " + key +
+                             (near.empty() ? "" : "; did you mean " + near + "?"));
         }
     }
     return parsed;

@@ -28,11 +28,8 @@ Target Resolve(CliContext& ctx, const ParsedArgs& args, size_t need, const std::
     target.category = args.positional[1];
     target.path = ctx.ResolveCategory(Arg(target.category));
     if (need >= 3) {
-        target.path.ConfigId = ParseId(args.positional[2], "CONFIG-ID");
+        target.path.ConfigId = ctx.ResolveConfig(target.path, args.positional[2]);
         target.config = ctx.Presenter().GetConfig(target.path);
-        if (!target.config)
-            throw UsageError("no configuration " + args.positional[2] + " in \"" + target.category +
-                             "\"");
     }
     return target;
 }

@@ -216,7 +216,7 @@ int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
         throw UsageError("usage: apply bill|quota CATEGORY CONFIG-ID NUMBER [options]");
     const SMember* small = nullptr;
     CPath path = ctx.ResolveCategory(Arg(args.positional[1]), &small);
-    path.ConfigId = ParseId(args.positional[2], "CONFIG-ID");
+    path.ConfigId = ctx.ResolveConfig(path, args.positional[2]);
     ConfigNode* config = ctx.Presenter().GetConfig(path);
     if (!config)
         throw UsageError("no configuration " + args.positional[2] + " in \"" + args.positional[1] +

@@ -2,6 +2,7 @@
 #include "Cli.h"
 #include "Json.h"
 
+#include "host/HostData.h"
 #include "model/Spec.h"
 #include "presenter/CQdDeConfigPresenter.h"
 
@@ -214,6 +215,72 @@ int Current(CliContext& ctx, const std::vector<std::string>& args) {
     return kExitTrue;
 }
 
+const HostSmallCategory& HostSmall(CliContext& ctx, const std::string& category) {
+    const CPath path = ctx.ResolveCategory(Arg(category));
+    const HostData* host = CurrentHostData();
+    const HostSmallCategory* small =
+        host ? host->FindSmall(path.SpecId, path.LMemberId, path.SMemberId) : nullptr;
+    if (!small)
+        throw UsageError("the project's catalog has no small category \"" + category + "\"");
+    return *small;
+}
+
+int Attrs(CliContext& ctx, const std::vector<std::string>& raw) {
+    ParsedArgs args = ParseArgs(raw, {}, {"--values"});
+    if (args.positional.size() != 1)
+        throw UsageError("attrs takes one CATEGORY");
+    const HostSmallCategory& small = HostSmall(ctx, args.positional[0]);
+    const bool values = args.flags.count("--values") > 0;
+    const HostData& host = *CurrentHostData();
+    auto listOf = [&](const HostAttribute& attribute) -> const CStringArray* {
+        auto it = host.dropLists.find(attribute.dropKey);
+        return attribute.dropKey.IsEmpty() || it == host.dropLists.end() ? nullptr : &it->second;
+    };
+    if (ctx.Options().json) {
+        Json list = Json::MakeArray();
+        for (const HostAttribute& attribute : small.attributes) {
+            Json item = Json::MakeObject()
+                            .Set("name", attribute.name)
+                            .Set("field", attribute.field)
+                            .Set("code", attribute.code)
+                            .Set("list", attribute.dropKey);
+            if (values) {
+                Json items = Json::MakeArray();
+                if (const CStringArray* drop = listOf(attribute))
+                    for (const CString& value : *drop)
+                        items.Push(value);
+                item.Set("values", std::move(items));
+            }
+            list.Push(std::move(item));
+        }
+        PrintLine(Json::MakeObject()
+                      .Set("category", Arg(args.positional[0]))
+                      .Set("attributes", std::move(list))
+                      .Dump());
+        return kExitTrue;
+    }
+    for (const HostAttribute& attribute : small.attributes) {
+        const CStringArray* drop = listOf(attribute);
+        PrintLine(Text(attribute.name) + (drop ? "  (list " + Text(attribute.dropKey) + ")" : ""));
+        if (values && drop)
+            for (const CString& value : *drop)
+                PrintLine("    " + Text(value));
+    }
+    return kExitTrue;
+}
+
+// One line per small category of the current specialty, written as the other commands take
+// it; the shell completion reads these.
+int Categories(CliContext& ctx, const std::vector<std::string>& args) {
+    if (!args.empty())
+        throw UsageError("categories takes no arguments");
+    const Spec& spec = ctx.Tree();
+    for (LMember* large : spec.GetAllLMember())
+        for (SMember* small : large->GetAllSMember())
+            PrintLine(Text(large->GetName()) + "\\" + Text(small->GetName()));
+    return kExitTrue;
+}
+
 } // namespace
 
 std::vector<CommandSpec> QueryCommands() {
@@ -232,5 +299,15 @@ std::vector<CommandSpec> QueryCommands() {
          "Prints the name recorded for the project (DefaultConfig when none) and the file it\n"
          "means in the configuration folder.",
          Current},
+        {"categories", "", "the small categories, one per line",
+         "Prints LARGE\\SMALL for each small category of the specialty, as CATEGORY\n"
+         "arguments take it.\n\nExample:\n  koqdde categories | grep 管",
+         Categories},
+        {"attrs", "CATEGORY [--values]", "a small category's attributes and their lists",
+         "Lists the attributes a condition of CATEGORY may test, as the project's catalog\n"
+         "gives them, with the drop-down list each takes its values from; --values prints\n"
+         "the list's values under each attribute.\n\n"
+         "Example:\n  koqdde attrs '管道\\给水管' --values",
+         Attrs},
     };
 }

@@ -1,11 +1,13 @@
 // koqdde: every query and edit of an auto-apply configuration from the shell.
 #include "Cli.h"
+#include "Json.h"
 
 #include "host/datapack/DataPack.h"
 #include "platform/ComError.h"
 #include "platform/FileSystem.h"
 #include "platform/MessageBox.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <exception>
@@ -17,12 +19,13 @@ std::vector<CommandSpec> FileCommands();
 std::vector<CommandSpec> EditCommands();
 std::vector<CommandSpec> ToolCommands();
 std::vector<CommandSpec> LibraryCommands();
+std::vector<CommandSpec> MainCommands();
 
 const std::vector<CommandSpec>& AllCommands() {
     static const std::vector<CommandSpec> all = [] {
         std::vector<CommandSpec> list;
-        for (auto group :
-             {QueryCommands, FileCommands, EditCommands, LibraryCommands, ToolCommands})
+        for (auto group : {QueryCommands, FileCommands, EditCommands, LibraryCommands, ToolCommands,
+                           MainCommands})
             for (auto& command : group())
                 list.push_back(std::move(command));
         return list;
@@ -54,11 +57,14 @@ const char* const kGlobalHelp =
     "  --config-dir DIR  the application's configuration folder (created and seeded from the\n"
     "                    pack when missing)\n"
     "  --file FILE       configuration file to work on (default: the current configuration)\n"
+    "  --spec NAME       the project's specialty to work on, by name or id (default: its\n"
+    "                    current one)\n"
     "  --json            machine-readable output\n"
     "  --dry-run         edits: show the result without saving\n"
     "  --force           edit a file that does not load (it is replaced by the current\n"
     "                    specialty alone) or that a workbench has open\n"
-    "  --help            this text; COMMAND --help for a command's own\n"
+    "  --help            this text; COMMAND --help or help COMMAND for a command's own\n"
+    "  --version         the tool's version\n"
     "\n"
     "Exit status: 0 the operation answered true, 1 it answered false, 2 usage error,\n"
     "3 unexpected failure, 4 refused to keep the file (it does not load, a workbench has it\n"
@@ -66,7 +72,7 @@ const char* const kGlobalHelp =
     "\n"
     "Commands:\n";
 
-void PrintGlobalHelp() {
+void PrintGlobalHelp(std::FILE* out) {
     std::string text = kGlobalHelp;
     for (const auto& command : AllCommands()) {
         std::string head = "  " + command.name + (command.usage.empty() ? "" : " " + command.usage);
@@ -76,7 +82,7 @@ void PrintGlobalHelp() {
             head += "\n" + std::string(28, ' ');
         text += head + command.summary + "\n";
     }
-    std::fputs(text.c_str(), stdout);
+    std::fputs(text.c_str(), out);
 }
 
 void PrintCommandHelp(const CommandSpec& command) {
@@ -92,7 +98,8 @@ GlobalOptions ParseGlobals(std::vector<std::string>& args) {
     std::map<std::string, CString*> valued = {{"--data", &options.dataDir},
                                               {"--project", &options.projectFile},
                                               {"--config-dir", &options.configDir},
-                                              {"--file", &options.file}};
+                                              {"--file", &options.file},
+                                              {"--spec", &options.spec}};
     std::vector<std::string> rest;
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& a = args[i];
@@ -119,6 +126,8 @@ GlobalOptions ParseGlobals(std::vector<std::string>& args) {
             options.force = true;
         } else if (a == "--help" || a == "-h") {
             options.help = true;
+        } else if (a == "--version") {
+            options.version = true;
         } else {
             rest.push_back(a);
         }
@@ -127,10 +136,46 @@ GlobalOptions ParseGlobals(std::vector<std::string>& args) {
     return options;
 }
 
-int Run(std::vector<std::string> args) {
-    GlobalOptions options = ParseGlobals(args);
+const CommandSpec* FindCommand(const std::string& name) {
+    for (const auto& command : AllCommands())
+        if (command.name == name)
+            return &command;
+    return nullptr;
+}
+
+const CommandSpec& CommandNamed(const std::string& name) {
+    if (const CommandSpec* command = FindCommand(name))
+        return *command;
+    std::vector<std::string> names;
+    for (const auto& command : AllCommands())
+        names.push_back(command.name);
+    const std::string near = ClosestName(name, names);
+    throw UsageError("unknown command \"" + name + "\"" +
+                     (near.empty() ? "" : "; did you mean " + near + "?") +
+                     " (koqdde --help lists them)");
+}
+
+// --spec: the project's specialty to work on, by name or id, in place of its current one.
+void SelectSpec(HostData& host, const CString& wanted) {
+    std::string names;
+    for (const HostSpecialty& spec : host.catalog) {
+        if (spec.name == wanted || ToUtf8(wanted) == std::to_string(spec.id)) {
+            host.project.currentSpec = spec.name;
+            return;
+        }
+        names += (names.empty() ? "" : ", ") + ToUtf8(spec.name);
+    }
+    throw UsageError("the project has no specialty \"" + ToUtf8(wanted) + "\"; it has " + names);
+}
+
+int Run(GlobalOptions options, std::vector<std::string> args) {
+    if (options.version) {
+        PrintLine("koqdde " KOQDDE_VERSION);
+        return kExitTrue;
+    }
     if (args.empty()) {
-        PrintGlobalHelp();
+        // Asked for, the help is the answer; otherwise it explains a usage error.
+        PrintGlobalHelp(options.help ? stdout : stderr);
         return options.help ? kExitTrue : kExitUsage;
     }
     if (args.front() == "--")
@@ -139,21 +184,27 @@ int Run(std::vector<std::string> args) {
         throw UsageError("no command after \"--\"");
     std::string name = args.front();
     args.erase(args.begin());
-    const CommandSpec* command = nullptr;
-    for (const auto& c : AllCommands())
-        if (c.name == name)
-            command = &c;
-    if (!command)
-        throw UsageError("unknown command \"" + name + "\" (koqdde --help lists them)");
+    if (name.size() > 1 && name[0] == '-') {
+        const std::string near = ClosestName(name.substr(0, name.find('=')), GlobalOptionNames());
+        throw UsageError("unknown option " + name +
+                         (near.empty() ? "" : "; did you mean " + near + "?"));
+    }
+    const CommandSpec& command = CommandNamed(name);
     if (options.help) {
-        PrintCommandHelp(*command);
+        PrintCommandHelp(command);
         return kExitTrue;
+    }
+    if (command.standalone) {
+        CliContext ctx(options);
+        return command.run(ctx, args);
     }
 
     HostData host;
     CString error;
     if (!LoadDataPack({options.dataDir, options.projectFile, options.configDir}, host, error))
         throw UsageError("cannot load the data pack: " + ToUtf8(error));
+    if (!options.spec.IsEmpty())
+        SelectSpec(host, options.spec);
     HostDataScope hostScope(&host);
     // The commands that write the configuration file; they hold its edit lock.
     static const std::set<std::string> kEditing = {
@@ -162,12 +213,39 @@ int Run(std::vector<std::string> args) {
     // Opening a missing file creates it; a refused command must not leave one behind.
     bool fileExisted = options.file.IsEmpty() || PathExists(options.file);
     try {
-        return command->run(ctx, args);
+        return command.run(ctx, args);
     } catch (const UsageError&) {
         if (!fileExisted && PathExists(options.file))
             std::remove(ToUtf8(options.file).c_str());
         throw;
     }
+}
+
+int Help(CliContext&, const std::vector<std::string>& args) {
+    if (args.size() > 1)
+        throw UsageError("help takes at most one COMMAND");
+    if (args.empty())
+        PrintGlobalHelp(stdout);
+    else
+        PrintCommandHelp(CommandNamed(args[0]));
+    return kExitTrue;
+}
+
+// A failure as the user meets it: one line on standard error, or under --json one object
+// there, so that a program reading standard output never mistakes it for a result.
+int Fail(bool json, int status, const char* kind, const std::string& message) {
+    if (json) {
+        const std::string text = Json::MakeObject()
+                                     .Set("error", Json::MakeObject()
+                                                       .Set("status", status)
+                                                       .Set("kind", kind)
+                                                       .Set("message", message))
+                                     .Dump();
+        std::fprintf(stderr, "%s\n", text.c_str());
+    } else {
+        std::fprintf(stderr, "koqdde: %s\n", message.c_str());
+    }
+    return status;
 }
 
 } // namespace
@@ -177,22 +255,36 @@ int main(int argc, char** argv) {
     ConsoleMessages messages;
     MessageBoxHandlerScope messageScope(&messages);
     std::vector<std::string> args(argv + 1, argv + argc);
+    // Looked for before the options are parsed, so that a malformed line fails as JSON too.
+    const auto end = std::find(args.begin(), args.end(), "--");
+    const bool json = std::find(args.begin(), end, "--json") != end;
     try {
-        return Run(std::move(args));
+        GlobalOptions options = ParseGlobals(args);
+        return Run(std::move(options), std::move(args));
     } catch (const UsageError& e) {
-        std::fprintf(stderr, "koqdde: %s\n", e.what());
-        return kExitUsage;
+        return Fail(json, kExitUsage, "usage", e.what());
     } catch (const Refusal& e) {
-        std::fprintf(stderr, "koqdde: %s\n", e.what());
-        return kExitRefused;
+        return Fail(json, kExitRefused, "refused", e.what());
     } catch (const ComError& e) {
-        std::fprintf(stderr, "koqdde: failed: %s\n", e.what());
-        return kExitError;
+        return Fail(json, kExitError, "failed", std::string("failed: ") + e.what());
     } catch (const std::exception& e) {
-        std::fprintf(stderr, "koqdde: unexpected error: %s\n", e.what());
-        return kExitError;
+        return Fail(json, kExitError, "unexpected", std::string("unexpected error: ") + e.what());
     } catch (...) {
-        std::fprintf(stderr, "koqdde: unexpected error\n");
-        return kExitError;
+        return Fail(json, kExitError, "unexpected", "unexpected error");
     }
+}
+
+const std::vector<std::string>& GlobalOptionNames() {
+    static const std::vector<std::string> names = {"--data", "--project", "--config-dir", "--file",
+                                                   "--spec", "--json",    "--dry-run",    "--force",
+                                                   "--help", "--version"};
+    return names;
+}
+
+std::vector<CommandSpec> MainCommands() {
+    return {
+        {"help", "[COMMAND]", "the help of the tool, or of one command",
+         "koqdde help COMMAND is koqdde COMMAND --help.\n\nExample:\n  koqdde help condition", Help,
+         true},
+    };
 }
