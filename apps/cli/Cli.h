@@ -104,6 +104,13 @@ struct ParsedArgs {
 };
 ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::set<std::string>& valued,
                      const std::set<std::string>& flags = {});
+// Takes the global options out of the arguments, wherever they stand.
+GlobalOptions ParseGlobals(std::vector<std::string>& args);
+// LARGE\SMALL of every small category in the project's current specialty, from its catalog.
+std::vector<std::string> CatalogCategories(const HostData& host);
+// What the shell completion scripts call (koqdde __complete WORDS...): prints the candidates
+// for the last word, then ":files" when the shell should offer file names, else ":none".
+int CompleteWords(const std::vector<std::string>& words);
 // The nearest of `names` to a mistyped `typed`, or "" when none is near enough.
 std::string ClosestName(const std::string& typed, const std::vector<std::string>& names);
 // The global options, as written on the command line.

@@ -269,19 +269,26 @@ int Attrs(CliContext& ctx, const std::vector<std::string>& raw) {
     return kExitTrue;
 }
 
-// One line per small category of the current specialty, written as the other commands take
-// it; the shell completion reads these.
-int Categories(CliContext& ctx, const std::vector<std::string>& args) {
+// One line per small category of the project's specialty, from its catalog, so that nothing
+// is read or created; the shell completion reads these.
+int Categories(CliContext&, const std::vector<std::string>& args) {
     if (!args.empty())
         throw UsageError("categories takes no arguments");
-    const Spec& spec = ctx.Tree();
-    for (LMember* large : spec.GetAllLMember())
-        for (SMember* small : large->GetAllSMember())
-            PrintLine(Text(large->GetName()) + "\\" + Text(small->GetName()));
+    for (const std::string& line : CatalogCategories(*CurrentHostData()))
+        PrintLine(line);
     return kExitTrue;
 }
 
 } // namespace
+
+std::vector<std::string> CatalogCategories(const HostData& host) {
+    std::vector<std::string> lines;
+    if (const HostSpecialty* spec = host.FindSpec(host.project.currentSpec))
+        for (const HostLargeCategory& large : spec->larges)
+            for (const HostSmallCategory& small : large.smalls)
+                lines.push_back(Text(large.name) + "\\" + Text(small.name));
+    return lines;
+}
 
 std::vector<CommandSpec> QueryCommands() {
     return {

@@ -20,12 +20,13 @@ std::vector<CommandSpec> EditCommands();
 std::vector<CommandSpec> ToolCommands();
 std::vector<CommandSpec> LibraryCommands();
 std::vector<CommandSpec> MainCommands();
+std::vector<CommandSpec> CompletionCommands();
 
 const std::vector<CommandSpec>& AllCommands() {
     static const std::vector<CommandSpec> all = [] {
         std::vector<CommandSpec> list;
         for (auto group : {QueryCommands, FileCommands, EditCommands, LibraryCommands, ToolCommands,
-                           MainCommands})
+                           CompletionCommands, MainCommands})
             for (auto& command : group())
                 list.push_back(std::move(command));
         return list;
@@ -90,50 +91,6 @@ void PrintCommandHelp(const CommandSpec& command) {
                        (command.usage.empty() ? "" : " " + command.usage) + "\n\n" +
                        command.summary + ".\n\n" + command.help + "\n";
     std::fputs(text.c_str(), stdout);
-}
-
-// Takes the global options out of the arguments, wherever they stand.
-GlobalOptions ParseGlobals(std::vector<std::string>& args) {
-    GlobalOptions options;
-    std::map<std::string, CString*> valued = {{"--data", &options.dataDir},
-                                              {"--project", &options.projectFile},
-                                              {"--config-dir", &options.configDir},
-                                              {"--file", &options.file},
-                                              {"--spec", &options.spec}};
-    std::vector<std::string> rest;
-    for (size_t i = 0; i < args.size(); ++i) {
-        const std::string& a = args[i];
-        if (a == "--") {
-            // The command's own parser sees "--" too, so its operands may start with "--".
-            rest.insert(rest.end(), args.begin() + static_cast<long>(i), args.end());
-            break;
-        }
-        auto eq = a.find('=');
-        std::string key = a.rfind("--", 0) == 0 && eq != std::string::npos ? a.substr(0, eq) : a;
-        if (auto it = valued.find(key); it != valued.end()) {
-            if (eq != std::string::npos) {
-                *it->second = FromUtf8(a.substr(eq + 1));
-            } else {
-                if (i + 1 >= args.size())
-                    throw UsageError(a + " needs a value");
-                *it->second = FromUtf8(args[++i]);
-            }
-        } else if (a == "--json") {
-            options.json = true;
-        } else if (a == "--dry-run") {
-            options.dryRun = true;
-        } else if (a == "--force") {
-            options.force = true;
-        } else if (a == "--help" || a == "-h") {
-            options.help = true;
-        } else if (a == "--version") {
-            options.version = true;
-        } else {
-            rest.push_back(a);
-        }
-    }
-    args = rest;
-    return options;
 }
 
 const CommandSpec* FindCommand(const std::string& name) {
@@ -259,6 +216,9 @@ int main(int argc, char** argv) {
     const auto end = std::find(args.begin(), args.end(), "--");
     const bool json = std::find(args.begin(), end, "--json") != end;
     try {
+        // The completion scripts pass the line as typed: its options are not this run's.
+        if (!args.empty() && args.front() == "__complete")
+            return CompleteWords({args.begin() + 1, args.end()});
         GlobalOptions options = ParseGlobals(args);
         return Run(std::move(options), std::move(args));
     } catch (const UsageError& e) {
@@ -272,6 +232,49 @@ int main(int argc, char** argv) {
     } catch (...) {
         return Fail(json, kExitError, "unexpected", "unexpected error");
     }
+}
+
+GlobalOptions ParseGlobals(std::vector<std::string>& args) {
+    GlobalOptions options;
+    std::map<std::string, CString*> valued = {{"--data", &options.dataDir},
+                                              {"--project", &options.projectFile},
+                                              {"--config-dir", &options.configDir},
+                                              {"--file", &options.file},
+                                              {"--spec", &options.spec}};
+    std::vector<std::string> rest;
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
+        if (a == "--") {
+            // The command's own parser sees "--" too, so its operands may start with "--".
+            rest.insert(rest.end(), args.begin() + static_cast<long>(i), args.end());
+            break;
+        }
+        auto eq = a.find('=');
+        std::string key = a.rfind("--", 0) == 0 && eq != std::string::npos ? a.substr(0, eq) : a;
+        if (auto it = valued.find(key); it != valued.end()) {
+            if (eq != std::string::npos) {
+                *it->second = FromUtf8(a.substr(eq + 1));
+            } else {
+                if (i + 1 >= args.size())
+                    throw UsageError(a + " needs a value");
+                *it->second = FromUtf8(args[++i]);
+            }
+        } else if (a == "--json") {
+            options.json = true;
+        } else if (a == "--dry-run") {
+            options.dryRun = true;
+        } else if (a == "--force") {
+            options.force = true;
+        } else if (a == "--help" || a == "-h") {
+            options.help = true;
+        } else if (a == "--version") {
+            options.version = true;
+        } else {
+            rest.push_back(a);
+        }
+    }
+    args = rest;
+    return options;
 }
 
 const std::vector<std::string>& GlobalOptionNames() {
