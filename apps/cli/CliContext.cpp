@@ -1,4 +1,5 @@
 #include "Cli.h"
+#include "Translate.h"
 
 #include "model/Spec.h"
 #include "platform/FileSystem.h"
@@ -224,7 +225,7 @@ ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::set<std::s
             const auto& globals = GlobalOptionNames();
             known.insert(known.end(), globals.begin(), globals.end());
             std::string near = ClosestName(key, known);
-            throw UsageError("unknown option " + key +
+            throw UsageError(Tr("unknown option {1}", {key}) +
                              (near.empty() ? "" : "; did you mean " + near + "?"));
         }
     }

@@ -1,6 +1,7 @@
 // koqdde: every query and edit of an auto-apply configuration from the shell.
 #include "Cli.h"
 #include "Json.h"
+#include "Translate.h"
 
 #include "host/datapack/DataPack.h"
 #include "platform/ComError.h"
@@ -208,7 +209,7 @@ int Fail(bool json, int status, const char* kind, const std::string& message) {
 } // namespace
 
 int main(int argc, char** argv) {
-    std::setlocale(LC_ALL, "C.UTF-8");
+    SetUpTranslation("koqdde");
     ConsoleMessages messages;
     MessageBoxHandlerScope messageScope(&messages);
     std::vector<std::string> args(argv + 1, argv + argc);
