@@ -1,63 +1,7 @@
 // End-to-end runs of the koqdde tool on a temporary copy of the bundled data pack.
-#include "support/TempDir.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <string>
-#include <sys/wait.h>
-#include <vector>
+#include "CliFixture.h"
 
 namespace {
-
-struct Result {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string Quote(const std::string& arg) {
-    std::string q = "'";
-    for (char c : arg)
-        q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return q + "'";
-}
-
-class Cli : public ::testing::Test {
-protected:
-    void SetUp() override {
-        std::filesystem::copy(std::string(KOQDDE_SOURCE_DIR) + "/data/sample", Path("pack"),
-                              std::filesystem::copy_options::recursive);
-    }
-
-    std::string Path(const std::string& name) const { return ToUtf8(dir.File(FromUtf8(name))); }
-    std::string Config() const { return Path("cfg.xml"); }
-    std::string Bytes(const std::string& file) const { return dir.Read(FromUtf8(file)); }
-
-    // Runs the tool with the pack and the configuration file of this test.
-    Result Run(const std::vector<std::string>& args, bool withFile = true) const {
-        std::string command = "XDG_DATA_HOME=" + Quote(Path("xdg")) + " " + Quote(KOQDDE_CLI_PATH) +
-                              " --data " + Quote(Path("pack"));
-        if (withFile)
-            command += " --file " + Quote(Config());
-        for (const auto& a : args)
-            command += " " + Quote(a);
-        command += " >" + Quote(Path("out.txt")) + " 2>" + Quote(Path("err.txt")) + " </dev/null";
-        int raw = std::system(command.c_str());
-        Result r;
-        r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-        r.out = Bytes(Path("out.txt"));
-        r.err = Bytes(Path("err.txt"));
-        return r;
-    }
-
-    static bool Has(const std::string& text, const std::string& part) {
-        return text.find(part) != std::string::npos;
-    }
-
-    TempDir dir;
-};
 
 const std::string kPipe = "给排水\\管道\\给水管";
 
