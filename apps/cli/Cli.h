@@ -122,6 +122,8 @@ void PrintCategory(CliContext& ctx, const std::string& category);
 // Ends an edit: saves unless --dry-run, then reports. `ok` is the operation's answer.
 int FinishEdit(CliContext& ctx, bool ok, const std::string& category, int newId = 0);
 
+// "; did you mean X?" for the nearest of `names`, or "" when none is near.
+std::string DidYouMean(const std::string& typed, const std::vector<std::string>& names);
 // Writes a line of text or the JSON document to standard output.
 void PrintLine(const std::string& text);
 CString Arg(const std::string& utf8);

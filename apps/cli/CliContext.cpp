@@ -224,9 +224,7 @@ ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::set<std::s
             known.insert(known.end(), flags.begin(), flags.end());
             const auto& globals = GlobalOptionNames();
             known.insert(known.end(), globals.begin(), globals.end());
-            std::string near = ClosestName(key, known);
-            throw UsageError(Tr("unknown option {1}", {key}) +
-                             (near.empty() ? "" : "; did you mean " + near + "?"));
+            throw UsageError(Tr("unknown option {1}", {key}) + DidYouMean(key, known));
         }
     }
     return parsed;

@@ -2,6 +2,7 @@
 // commands' own usage and help texts so that a new option or command completes without a
 // second list to keep.
 #include "Cli.h"
+#include "Translate.h"
 
 #include "host/datapack/DataPack.h"
 
@@ -79,7 +80,7 @@ int Completion(CliContext&, const std::vector<std::string>& args) {
                          : shell == "fish" ? kFish
                                            : nullptr;
     if (!script)
-        throw UsageError("completion takes one SHELL: bash, zsh or fish");
+        throw UsageError(Tr("completion takes one SHELL: bash, zsh or fish"));
     std::fputs(script, stdout);
     return kExitTrue;
 }
@@ -251,11 +252,12 @@ int CompleteWords(const std::vector<std::string>& words) {
 
 std::vector<CommandSpec> CompletionCommands() {
     return {
-        {"completion", "SHELL", "the shell completion script for bash, zsh or fish",
-         "Prints the script; it completes commands, options and, from the project's catalog,\n"
-         "categories.\n\n"
-         "Examples:\n  source <(koqdde completion bash)\n  source <(koqdde completion zsh)\n"
-         "  koqdde completion fish | source",
+        {"completion", "SHELL", TrNoop("the shell completion script for bash, zsh or fish"),
+         TrNoop(
+             "Prints the script; it completes commands, options and, from the project's catalog,\n"
+             "categories.\n\n"
+             "Examples:\n  source <(koqdde completion bash)\n  source <(koqdde completion zsh)\n"
+             "  koqdde completion fish | source"),
          Completion, true},
     };
 }

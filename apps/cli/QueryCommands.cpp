@@ -1,6 +1,7 @@
 // tree, show, current: reading the configuration without changing it.
 #include "Cli.h"
 #include "Json.h"
+#include "Translate.h"
 
 #include "host/HostData.h"
 #include "model/Spec.h"
@@ -94,7 +95,7 @@ std::string DeLine(const DeNode& de) {
 
 int Tree(CliContext& ctx, const std::vector<std::string>& args) {
     if (!args.empty())
-        throw UsageError("tree takes no arguments");
+        throw UsageError(Tr("tree takes no arguments"));
     const Spec& spec = ctx.Tree();
     CString file = ctx.Presenter().GetData()->GetFilePath();
     if (ctx.Options().json) {
@@ -197,14 +198,14 @@ namespace {
 int Show(CliContext& ctx, const std::vector<std::string>& raw) {
     std::vector<std::string> args = ParseArgs(raw, {}).positional;
     if (args.size() != 1)
-        throw UsageError("show takes one CATEGORY");
+        throw UsageError(Tr("show takes one CATEGORY"));
     PrintCategory(ctx, args[0]);
     return kExitTrue;
 }
 
 int Current(CliContext& ctx, const std::vector<std::string>& args) {
     if (!args.empty())
-        throw UsageError("current takes no arguments");
+        throw UsageError(Tr("current takes no arguments"));
     CQdDeConfigPresenter& presenter = ctx.Presenter();
     CString name = presenter.GetCurConfig();
     CString path = presenter.GetCurConfigDetailPath();
@@ -221,14 +222,14 @@ const HostSmallCategory& HostSmall(CliContext& ctx, const std::string& category)
     const HostSmallCategory* small =
         host ? host->FindSmall(path.SpecId, path.LMemberId, path.SMemberId) : nullptr;
     if (!small)
-        throw UsageError("the project's catalog has no small category \"" + category + "\"");
+        throw UsageError(Tr("the project's catalog has no small category \"{1}\"", {category}));
     return *small;
 }
 
 int Attrs(CliContext& ctx, const std::vector<std::string>& raw) {
     ParsedArgs args = ParseArgs(raw, {}, {"--values"});
     if (args.positional.size() != 1)
-        throw UsageError("attrs takes one CATEGORY");
+        throw UsageError(Tr("attrs takes one CATEGORY"));
     const HostSmallCategory& small = HostSmall(ctx, args.positional[0]);
     const bool values = args.flags.count("--values") > 0;
     const HostData& host = *CurrentHostData();
@@ -273,7 +274,7 @@ int Attrs(CliContext& ctx, const std::vector<std::string>& raw) {
 // is read or created; the shell completion reads these.
 int Categories(CliContext&, const std::vector<std::string>& args) {
     if (!args.empty())
-        throw UsageError("categories takes no arguments");
+        throw UsageError(Tr("categories takes no arguments"));
     for (const std::string& line : CatalogCategories(*CurrentHostData()))
         PrintLine(line);
     return kExitTrue;
@@ -292,29 +293,32 @@ std::vector<std::string> CatalogCategories(const HostData& host) {
 
 std::vector<CommandSpec> QueryCommands() {
     return {
-        {"tree", "", "the current specialty's categories and configurations",
-         "Lists the categories of the project's current specialty with the configurations of\n"
-         "each small category, as the configuration file holds them.\n\n"
-         "Example:\n  koqdde tree\n  koqdde --json --file /tmp/a.xml tree",
+        {"tree", "", TrNoop("the current specialty's categories and configurations"),
+         TrNoop(
+             "Lists the categories of the project's current specialty with the configurations of\n"
+             "each small category, as the configuration file holds them.\n\n"
+             "Example:\n  koqdde tree\n  koqdde --json --file /tmp/a.xml tree"),
          Tree},
-        {"show", "CATEGORY", "one small category's configurations in full",
-         "CATEGORY is \"专业\\大类\\小类\" or \"大类\\小类\" in the current specialty ('/' may\n"
-         "stand for '\\' when the names hold none).\n\n"
-         "Example:\n  koqdde show '给排水\\管道\\给水管'",
+        {"show", "CATEGORY", TrNoop("one small category's configurations in full"),
+         TrNoop("CATEGORY is \"专业\\大类\\小类\" or \"大类\\小类\" in the current specialty ('/' "
+                "may\n"
+                "stand for '\\' when the names hold none).\n\n"
+                "Example:\n  koqdde show '给排水\\管道\\给水管'"),
          Show},
-        {"current", "", "the current configuration's name and path",
-         "Prints the name recorded for the project (DefaultConfig when none) and the file it\n"
-         "means in the configuration folder.",
+        {"current", "", TrNoop("the current configuration's name and path"),
+         TrNoop(
+             "Prints the name recorded for the project (DefaultConfig when none) and the file it\n"
+             "means in the configuration folder."),
          Current},
-        {"categories", "", "the small categories, one per line",
-         "Prints LARGE\\SMALL for each small category of the specialty, as CATEGORY\n"
-         "arguments take it.\n\nExample:\n  koqdde categories | grep 管",
+        {"categories", "", TrNoop("the small categories, one per line"),
+         TrNoop("Prints LARGE\\SMALL for each small category of the specialty, as CATEGORY\n"
+                "arguments take it.\n\nExample:\n  koqdde categories | grep 管"),
          Categories},
-        {"attrs", "CATEGORY [--values]", "a small category's attributes and their lists",
-         "Lists the attributes a condition of CATEGORY may test, as the project's catalog\n"
-         "gives them, with the drop-down list each takes its values from; --values prints\n"
-         "the list's values under each attribute.\n\n"
-         "Example:\n  koqdde attrs '管道\\给水管' --values",
+        {"attrs", "CATEGORY [--values]", TrNoop("a small category's attributes and their lists"),
+         TrNoop("Lists the attributes a condition of CATEGORY may test, as the project's catalog\n"
+                "gives them, with the drop-down list each takes its values from; --values prints\n"
+                "the list's values under each attribute.\n\n"
+                "Example:\n  koqdde attrs '管道\\给水管' --values"),
          Attrs},
     };
 }

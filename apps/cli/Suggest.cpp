@@ -1,5 +1,6 @@
 // "Did you mean": the nearest of the names a command line may hold, for a mistyped one.
 #include "Cli.h"
+#include "Translate.h"
 
 #include <algorithm>
 
@@ -41,4 +42,9 @@ std::string ClosestName(const std::string& typed, const std::vector<std::string>
         }
     }
     return best;
+}
+
+std::string DidYouMean(const std::string& typed, const std::vector<std::string>& names) {
+    const std::string near = ClosestName(typed, names);
+    return near.empty() ? "" : Tr("; did you mean {1}?", {near});
 }

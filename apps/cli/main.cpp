@@ -47,7 +47,8 @@ public:
     }
 };
 
-const char* const kGlobalHelp =
+// Marked for the catalogue here, translated where it is printed.
+const char* const kGlobalHelp = TrNoop(
     "usage: koqdde [GLOBAL OPTIONS] COMMAND [ARGS]\n"
     "\n"
     "Queries and edits the auto-apply configuration of bill and quota items.\n"
@@ -72,25 +73,25 @@ const char* const kGlobalHelp =
     "3 unexpected failure, 4 refused to keep the file (it does not load, a workbench has it\n"
     "open, or another edit holds it).\n"
     "\n"
-    "Commands:\n";
+    "Commands:\n");
 
 void PrintGlobalHelp(std::FILE* out) {
-    std::string text = kGlobalHelp;
+    std::string text = Tr(kGlobalHelp);
     for (const auto& command : AllCommands()) {
         std::string head = "  " + command.name + (command.usage.empty() ? "" : " " + command.usage);
         if (head.size() < 28)
             head.resize(28, ' ');
         else
             head += "\n" + std::string(28, ' ');
-        text += head + command.summary + "\n";
+        text += head + Tr(command.summary.c_str()) + "\n";
     }
     std::fputs(text.c_str(), out);
 }
 
 void PrintCommandHelp(const CommandSpec& command) {
-    std::string text = "usage: koqdde [GLOBAL OPTIONS] " + command.name +
+    std::string text = Tr("usage: koqdde [GLOBAL OPTIONS] ") + command.name +
                        (command.usage.empty() ? "" : " " + command.usage) + "\n\n" +
-                       command.summary + ".\n\n" + command.help + "\n";
+                       Tr(command.summary.c_str()) + ".\n\n" + Tr(command.help.c_str()) + "\n";
     std::fputs(text.c_str(), stdout);
 }
 
@@ -107,10 +108,8 @@ const CommandSpec& CommandNamed(const std::string& name) {
     std::vector<std::string> names;
     for (const auto& command : AllCommands())
         names.push_back(command.name);
-    const std::string near = ClosestName(name, names);
-    throw UsageError("unknown command \"" + name + "\"" +
-                     (near.empty() ? "" : "; did you mean " + near + "?") +
-                     " (koqdde --help lists them)");
+    throw UsageError(Tr("unknown command \"{1}\"", {name}) + DidYouMean(name, names) +
+                     Tr(" (koqdde --help lists them)"));
 }
 
 // --spec: the project's specialty to work on, by name or id, in place of its current one.
@@ -123,7 +122,8 @@ void SelectSpec(HostData& host, const CString& wanted) {
         }
         names += (names.empty() ? "" : ", ") + ToUtf8(spec.name);
     }
-    throw UsageError("the project has no specialty \"" + ToUtf8(wanted) + "\"; it has " + names);
+    throw UsageError(
+        Tr("the project has no specialty \"{1}\"; it has {2}", {ToUtf8(wanted), names}));
 }
 
 int Run(GlobalOptions options, std::vector<std::string> args) {
@@ -139,13 +139,12 @@ int Run(GlobalOptions options, std::vector<std::string> args) {
     if (args.front() == "--")
         args.erase(args.begin());
     if (args.empty())
-        throw UsageError("no command after \"--\"");
+        throw UsageError(Tr("no command after \"--\""));
     std::string name = args.front();
     args.erase(args.begin());
     if (name.size() > 1 && name[0] == '-') {
-        const std::string near = ClosestName(name.substr(0, name.find('=')), GlobalOptionNames());
-        throw UsageError("unknown option " + name +
-                         (near.empty() ? "" : "; did you mean " + near + "?"));
+        throw UsageError(Tr("unknown option {1}", {name}) +
+                         DidYouMean(name.substr(0, name.find('=')), GlobalOptionNames()));
     }
     const CommandSpec& command = CommandNamed(name);
     if (options.help) {
@@ -160,7 +159,7 @@ int Run(GlobalOptions options, std::vector<std::string> args) {
     HostData host;
     CString error;
     if (!LoadDataPack({options.dataDir, options.projectFile, options.configDir}, host, error))
-        throw UsageError("cannot load the data pack: " + ToUtf8(error));
+        throw UsageError(Tr("cannot load the data pack: {1}", {ToUtf8(error)}));
     if (!options.spec.IsEmpty())
         SelectSpec(host, options.spec);
     HostDataScope hostScope(&host);
@@ -181,7 +180,7 @@ int Run(GlobalOptions options, std::vector<std::string> args) {
 
 int Help(CliContext&, const std::vector<std::string>& args) {
     if (args.size() > 1)
-        throw UsageError("help takes at most one COMMAND");
+        throw UsageError(Tr("help takes at most one COMMAND"));
     if (args.empty())
         PrintGlobalHelp(stdout);
     else
@@ -209,17 +208,18 @@ int Fail(bool json, int status, const char* kind, const std::string& message) {
 } // namespace
 
 int main(int argc, char** argv) {
+    std::vector<std::string> args(argv + 1, argv + argc);
+    // The completion scripts pass the line as typed: its options are not this run's. It reads
+    // the commands' texts untranslated, as their options are written in them.
+    if (!args.empty() && args.front() == "__complete")
+        return CompleteWords({args.begin() + 1, args.end()});
     SetUpTranslation("koqdde");
     ConsoleMessages messages;
     MessageBoxHandlerScope messageScope(&messages);
-    std::vector<std::string> args(argv + 1, argv + argc);
     // Looked for before the options are parsed, so that a malformed line fails as JSON too.
     const auto end = std::find(args.begin(), args.end(), "--");
     const bool json = std::find(args.begin(), end, "--json") != end;
     try {
-        // The completion scripts pass the line as typed: its options are not this run's.
-        if (!args.empty() && args.front() == "__complete")
-            return CompleteWords({args.begin() + 1, args.end()});
         GlobalOptions options = ParseGlobals(args);
         return Run(std::move(options), std::move(args));
     } catch (const UsageError& e) {
@@ -227,11 +227,11 @@ int main(int argc, char** argv) {
     } catch (const Refusal& e) {
         return Fail(json, kExitRefused, "refused", e.what());
     } catch (const ComError& e) {
-        return Fail(json, kExitError, "failed", std::string("failed: ") + e.what());
+        return Fail(json, kExitError, "failed", Tr("failed: {1}", {e.what()}));
     } catch (const std::exception& e) {
-        return Fail(json, kExitError, "unexpected", std::string("unexpected error: ") + e.what());
+        return Fail(json, kExitError, "unexpected", Tr("unexpected error: {1}", {e.what()}));
     } catch (...) {
-        return Fail(json, kExitError, "unexpected", "unexpected error");
+        return Fail(json, kExitError, "unexpected", Tr("unexpected error"));
     }
 }
 
@@ -257,7 +257,7 @@ GlobalOptions ParseGlobals(std::vector<std::string>& args) {
                 *it->second = FromUtf8(a.substr(eq + 1));
             } else {
                 if (i + 1 >= args.size())
-                    throw UsageError(a + " needs a value");
+                    throw UsageError(Tr("{1} needs a value", {a}));
                 *it->second = FromUtf8(args[++i]);
             }
         } else if (a == "--json") {
@@ -287,8 +287,9 @@ const std::vector<std::string>& GlobalOptionNames() {
 
 std::vector<CommandSpec> MainCommands() {
     return {
-        {"help", "[COMMAND]", "the help of the tool, or of one command",
-         "koqdde help COMMAND is koqdde COMMAND --help.\n\nExample:\n  koqdde help condition", Help,
-         true},
+        {"help", "[COMMAND]", TrNoop("the help of the tool, or of one command"),
+         TrNoop(
+             "koqdde help COMMAND is koqdde COMMAND --help.\n\nExample:\n  koqdde help condition"),
+         Help, true},
     };
 }

@@ -11,6 +11,11 @@
 // installed tree or the build tree) and takes the language from the environment.
 void SetUpTranslation(const char* program);
 
+// Marks a text for the catalogue where it can't be translated yet (a constant).
+constexpr const char* TrNoop(const char* text) {
+    return text;
+}
+
 // The translation of `text`, or `text` itself.
 const char* Tr(const char* text);
 // The translation of `text` with {1}, {2}... replaced by `args`, so that a translation may put
