@@ -95,8 +95,7 @@ template <class T, size_t N> const T& Pick(const T (&items)[N], int n) {
     return items[static_cast<size_t>(n) % N];
 }
 
-// Counts the message boxes the workbench raises: a selection that raises one has gone wrong,
-// and its timing means nothing.
+// Counts the message boxes the workbench raises.
 class BoxCounter : public IMessageBoxHandler {
 public:
     int Show(void*, const CString&, const CString&, unsigned) override {
@@ -254,38 +253,58 @@ void Settle() {
     QCoreApplication::processEvents();
 }
 
-void BM_SelectCategoryOf500(benchmark::State& state) {
-    const bool paint = state.range(0) != 0;
+// The panes a selection rebuilds.
+struct Panes {
+    CTreeCtrl& tree;
+    CListCtrl& configs;
+    CListBox& conditions;
+    CGridCtrl& grid;
+
+    // A configuration of the busy category is shown: four conditions, four bills of three
+    // quotas under the header.
+    bool ShowBusyConfiguration() const {
+        return conditions.GetCount() == 4 && grid.GetRowCount() == 1 + 4 * 4;
+    }
+};
+
+// Runs body on the workbench's panes, and fails the benchmark when the workbench raised a
+// message box: a selection that raises one has gone wrong, and its timing means nothing.
+void OnPanes(benchmark::State& state, const std::function<void(Panes&)>& body) {
     BoxCounter boxes;
     MessageBoxHandlerScope boxScope(&boxes);
     WithWorkbench([&](CDialog& dialog) {
-        CTreeCtrl& tree = Control<CTreeCtrl>(dialog, kTree);
-        CListCtrl& configs = Control<CListCtrl>(dialog, kConfigList);
-        CListBox& conditions = Control<CListBox>(dialog, kConditionList);
-        CGridCtrl& grid = Control<CGridCtrl>(dialog, kGrid);
-        HTREEITEM busy = Leaf(tree, {L"管道", L"给水管"});
-        HTREEITEM quiet = Leaf(tree, {L"管道", L"排水管"});
+        Panes panes{Control<CTreeCtrl>(dialog, kTree), Control<CListCtrl>(dialog, kConfigList),
+                    Control<CListBox>(dialog, kConditionList), Control<CGridCtrl>(dialog, kGrid)};
+        body(panes);
+    });
+    if (boxes.count != 0)
+        state.SkipWithError("the workbench raised a message box");
+}
+
+void BM_SelectCategoryOf500(benchmark::State& state) {
+    const bool paint = state.range(0) != 0;
+    OnPanes(state, [&](Panes& panes) {
+        HTREEITEM busy = Leaf(panes.tree, {L"管道", L"给水管"});
+        HTREEITEM quiet = Leaf(panes.tree, {L"管道", L"排水管"});
         for (auto _ : state) {
             state.PauseTiming();
-            tree.UserSelect(quiet);
+            panes.tree.UserSelect(quiet);
             Settle();
-            const bool left = configs.GetItemCount() == kQuietConfigs + 1;
+            const bool left = panes.configs.GetItemCount() == kQuietConfigs + 1;
             state.ResumeTiming();
-            tree.UserSelect(busy);
+            panes.tree.UserSelect(busy);
             if (paint)
                 Settle();
             state.PauseTiming();
-            // Row 0 selected: four conditions, four bills of three quotas under the header.
-            if (!left || configs.GetItemCount() != kBusyConfigs + 1 || conditions.GetCount() != 4 ||
-                grid.GetRowCount() != 1 + 4 * 4) {
+            // Row 0 is selected.
+            if (!left || panes.configs.GetItemCount() != kBusyConfigs + 1 ||
+                !panes.ShowBusyConfiguration()) {
                 state.SkipWithError("the selection did not rebuild the panes");
                 break;
             }
             state.ResumeTiming();
         }
     });
-    if (boxes.count != 0)
-        state.SkipWithError("the workbench raised a message box");
 }
 BENCHMARK(BM_SelectCategoryOf500)
     ->ArgName("paint")
@@ -296,33 +315,25 @@ BENCHMARK(BM_SelectCategoryOf500)
 
 void BM_SelectConfigurationAmong500(benchmark::State& state) {
     const bool paint = state.range(0) != 0;
-    BoxCounter boxes;
-    MessageBoxHandlerScope boxScope(&boxes);
-    WithWorkbench([&](CDialog& dialog) {
-        CTreeCtrl& tree = Control<CTreeCtrl>(dialog, kTree);
-        CListCtrl& configs = Control<CListCtrl>(dialog, kConfigList);
-        CListBox& conditions = Control<CListBox>(dialog, kConditionList);
-        CGridCtrl& grid = Control<CGridCtrl>(dialog, kGrid);
-        tree.UserSelect(Leaf(tree, {L"管道", L"给水管"}));
+    OnPanes(state, [&](Panes& panes) {
+        panes.tree.UserSelect(Leaf(panes.tree, {L"管道", L"给水管"}));
         Settle();
         // Rows far apart, never the same twice running; the default row (500) is left out.
         int row = 0;
         for (auto _ : state) {
             row = (row + 137) % kBusyConfigs;
-            configs.UserClickItem(row);
+            panes.configs.UserClickItem(row);
             if (paint)
                 Settle();
             state.PauseTiming();
-            if (configs.GetNextItem(-1, LVNI_SELECTED) != row || conditions.GetCount() != 4 ||
-                grid.GetRowCount() != 1 + 4 * 4) {
+            if (panes.configs.GetNextItem(-1, LVNI_SELECTED) != row ||
+                !panes.ShowBusyConfiguration()) {
                 state.SkipWithError("the click did not rebuild the panes");
                 break;
             }
             state.ResumeTiming();
         }
     });
-    if (boxes.count != 0)
-        state.SkipWithError("the workbench raised a message box");
 }
 BENCHMARK(BM_SelectConfigurationAmong500)
     ->ArgName("paint")
