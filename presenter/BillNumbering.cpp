@@ -62,3 +62,22 @@ CString ProposeFreeSuffix(const CString& prefix, const CString& suffix,
     }
     return text;
 }
+
+int RuleNumberLength(int codeLength, int suffixLength) {
+    if (codeLength < 0 || suffixLength < 0)
+        return -1;
+    return SplitBillNumber(CString(L'0', codeLength), codeLength, suffixLength).prefix.GetLength() +
+           suffixLength;
+}
+
+bool FollowsEncodingRule(const CString& number, int codeLength, int suffixLength) {
+    const int length = RuleNumberLength(codeLength, suffixLength);
+    if (length < 0)
+        return true;
+    if (number.GetLength() != length)
+        return false;
+    for (wchar_t c : number.str())
+        if (c < L'0' || c > L'9')
+            return false;
+    return true;
+}

@@ -33,3 +33,11 @@ CString ProposeNextSuffix(const std::vector<CString>& used, int suffixLength);
 CString ProposeFreeSuffix(const CString& prefix, const CString& suffix,
                           const std::vector<CString>& used,
                           const std::function<bool(const CString&)>& inLibrary);
+
+// The length of a number the numbering makes under the rule: the fixed part it keeps of a
+// library number (codeLength characters, less the sequence part it splits off) and the
+// sequence part; -1 when the rule is unknown (-1 in either value).
+int RuleNumberLength(int codeLength, int suffixLength);
+// Whether a number is one the numbering can make under the rule: digits only, of the length
+// above. Every number follows an unknown rule.
+bool FollowsEncodingRule(const CString& number, int codeLength, int suffixLength);

@@ -4,7 +4,7 @@
 
 #include "host/QvKoProject/QvKoProject.h"
 #include "host/ui/QvOptionKit/QvOptionKit.h"
-#include "platform/NumParse.h"
+#include "presenter/ConditionRules.h"
 #include "ui/QtString.h"
 
 #include <QAbstractItemView>
@@ -14,54 +14,18 @@
 
 using namespace AutoConfigIds;
 
-namespace {
-
-// Quantities measured from the drawn shape, offered besides the category's own attributes.
-struct MeasuredAttribute {
-    const wchar_t* name;
-    const wchar_t* code;
-};
-
-bool ContainsAny(const CString& text, std::initializer_list<const wchar_t*> parts) {
-    for (const wchar_t* part : parts)
-        if (text.Find(part) >= 0)
-            return true;
-    return false;
-}
-
-// Only the first rule that holds adds its rows.
-std::vector<MeasuredAttribute> MeasuredAttributes(const CString& categoryPath) {
-    if (categoryPath.Find(L"暖通\\风管") >= 0)
-        return {{L"周长(mm)", L"AM_Perimeter"},
-                {L"长边(mm)", L"AM_LongEdge"},
-                {L"直径(mm)", L"AM_Diameter"}};
-    if ((categoryPath.Find(L"电气\\配电箱柜") >= 0 && categoryPath.Find(L"元件装置") < 0) ||
-        categoryPath.Find(L"弱电\\箱柜\\接线箱") >= 0)
-        return {{L"半周长(mm)", L"AM_SemiPerimeter"}};
-    if (ContainsAny(categoryPath, {L"电气\\电缆桥架\\桥架", L"电气\\电缆桥架\\托盘",
-                                   L"电气\\电缆桥架\\组合式桥架", L"弱电\\线槽桥架\\线槽",
-                                   L"弱电\\线槽桥架\\桥架"}))
-        return {{L"宽+高(mm)", L"AM_SemiPerimeter"}, {L"宽+高×2(mm)", L"AM_SPerimeter"}};
-    return {};
-}
-
-// The row that tests a component as a whole; it has no attribute code.
-constexpr const wchar_t* kWholeComponent = L"具体构件";
-
-} // namespace
-
 void CAutoConfigDlg::InitValueEditor() {
     UpdateData(FALSE);
     m_tabValue.InsertItem(0, L"取值");
     m_tabValue.InsertItem(1, L"范围");
-    m_cmbEqualOp.AddString(L"＝");
-    m_cmbEqualOp.AddString(L"≠");
+    m_cmbEqualOp.AddString(ConditionOperator::kEqual);
+    m_cmbEqualOp.AddString(ConditionOperator::kNotEqual);
     m_cmbEqualOp.SetCurSel(0);
-    m_cmbRangeOp2.AddString(L"＜");
-    m_cmbRangeOp2.AddString(L"≤");
+    m_cmbRangeOp2.AddString(ConditionOperator::kBelow);
+    m_cmbRangeOp2.AddString(ConditionOperator::kAtMost);
     m_cmbRangeOp2.SetCurSel(0);
-    m_cmbRangeOp1.AddString(L"＞");
-    m_cmbRangeOp1.AddString(L"≥");
+    m_cmbRangeOp1.AddString(ConditionOperator::kAbove);
+    m_cmbRangeOp1.AddString(ConditionOperator::kAtLeast);
     m_cmbRangeOp1.SetCurSel(0);
     m_cmbRangeOp1.ShowWindow(SW_HIDE);
     m_cmbRangeOp2.ShowWindow(SW_HIDE);
@@ -105,21 +69,15 @@ void CAutoConfigDlg::FillAttributeList() {
     m_mapAttCode.clear();
     m_arrAttDropKey.RemoveAll();
 
-    SQvKoSmallCategoryId id;
-    SmallCategoryNameToId(categoryPath, id);
-    CStringArray records;
-    CSysSmallCategoryMng(id).GetAttributeList(records);
-    // Four strings a record: field, display name, drop-list key, attribute code.
-    for (int k = 1; k - 1 < records.GetSize(); k += 4) {
-        m_listAtt.AddString(records.GetAt(k));
-        m_mapAttCode[records.GetAt(k)] = records.GetAt(k + 2);
-        m_arrAttDropKey.Add(records.GetAt(k + 1));
+    // The whole component has no code: its absence from the map marks it.
+    for (const ConditionAttribute& attribute : ConditionAttributes(categoryPath)) {
+        m_listAtt.AddString(attribute.name);
+        if (attribute.source == ConditionAttribute::Source::kWholeComponent)
+            continue;
+        m_mapAttCode[attribute.name] = attribute.code;
+        if (attribute.source == ConditionAttribute::Source::kCatalog)
+            m_arrAttDropKey.Add(attribute.dropKey);
     }
-    for (const MeasuredAttribute& extra : MeasuredAttributes(categoryPath)) {
-        m_listAtt.AddString(extra.name);
-        m_mapAttCode[extra.name] = extra.code;
-    }
-    m_listAtt.AddString(kWholeComponent);
     if (m_listAtt.GetCount() > 0)
         m_listAtt.SetCurSel(0);
 }
@@ -139,7 +97,8 @@ void CAutoConfigDlg::OnAttributeSelChange() {
 
     // An attribute set to "not comparable" can only be tested for a value.
     AttrConfig config;
-    if (m_pPresenter->GetAttConfig(GetSmallCategoryPath(), name, config) && config.compar == 0) {
+    const bool hasSetting = m_pPresenter->GetAttConfig(GetSmallCategoryPath(), name, config);
+    if (!TakesRange(hasSetting ? &config : nullptr)) {
         m_tabValue.SetCurSel(0);
         ShowValuePage();
         m_tabValue.EnableWindow(FALSE);
@@ -204,10 +163,8 @@ bool CAutoConfigDlg::BuildConditionArray(CStringArray& out) {
     }
     CString lower = m_cmbRange1.GetWindowText();
     CString upper = m_cmbRange2.GetWindowText();
-    if (lower.IsEmpty() && upper.IsEmpty())
-        return false;
-    // A range narrower than a hundredth is no range. With one bound open nothing is read.
-    if (!lower.IsEmpty() && !upper.IsEmpty() && WToF(upper) - WToF(lower) < 0.01)
+    // No bound, or a range narrower than a hundredth, is no range.
+    if (CheckRangeWidth(lower, upper) != RangeFault::kNone)
         return false;
     out.Add(CString());
     out.Add(m_cmbRangeOp1.GetWindowText());

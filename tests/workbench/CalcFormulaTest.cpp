@@ -1,6 +1,6 @@
 // The check of a quantity formula that the calculator applies before it answers.
 
-#include "host/ui/KoCommonUi/CalcFormula.h"
+#include "host/QvCalcRules/CalcFormula.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 // Stand-in for the host's common dialogs: the calculator in which the user writes the quantity
 // formula of an item from the calculation variables of its small category.
 
-#include "host/ui/KoCommonUi/CalcFormula.h"
+#include "host/QvCalcRules/CalcFormula.h"
 #include "platform/CString.h"
 #include "ui/Controls.h"
 

@@ -1,4 +1,4 @@
-#include "host/ui/KoCommonUi/CalcFormula.h"
+#include "host/QvCalcRules/CalcFormula.h"
 
 #include <cwctype>
 

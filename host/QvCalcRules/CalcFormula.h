@@ -1,7 +1,8 @@
 #pragma once
 // The calculation variables of a small category and the check of a quantity formula written
-// over them. The data pack carries no calculation variables, so every small category gets the
-// same small set defined here: the length, the count and the area of a component.
+// over them; the calculator and the command-line tool both check formulas with it. The data
+// pack carries no calculation variables, so every small category gets the same small set
+// defined here: the length, the count and the area of a component.
 
 #include "platform/CString.h"
 
