@@ -1,6 +1,7 @@
 // tree, show, current: reading the configuration without changing it.
 #include "Cli.h"
 #include "Json.h"
+#include "Listing.h"
 #include "Translate.h"
 
 #include "host/HostData.h"
@@ -144,6 +145,10 @@ int Tree(CliContext& ctx, const std::vector<std::string>& args) {
 
 } // namespace
 
+Json ConfigJson(const ConfigNode& config) {
+    return ConfigDetail(config);
+}
+
 void PrintCategory(CliContext& ctx, const std::string& category) {
     const SMember* small = nullptr;
     CPath path = ctx.ResolveCategory(Arg(category), &small);
@@ -167,30 +172,31 @@ void PrintCategory(CliContext& ctx, const std::string& category) {
     PrintLine(category + " (" + std::to_string(path.SpecId) + "/" + std::to_string(path.LMemberId) +
               "/" + std::to_string(path.SMemberId) + "), " + std::to_string(configs.size()) +
               " configuration(s)");
-    for (ConfigNode* config : configs) {
-        PrintLine("config " + std::to_string(config->GetId()) +
-                  (config->IfDefault() ? " (default)" : "") + ": " +
-                  Text(config->GetConditionString()));
-        for (ConditionNode* c : config->GetCondition())
-            PrintLine(
-                "  condition " + std::to_string(c->GetId()) + ": " + Text(c->GetConditionString()) +
-                "  [type=" + Text(c->GetCFType()) + " equal=" + (c->IsEqual() ? "1" : "0") +
-                " op=" + Text(c->GetEqualOperator()) + " value=" + Text(c->GetValue()) +
-                " op1=" + Text(c->GetRangeOperator1()) + " range1=" + Text(c->GetRange1()) +
-                " op2=" + Text(c->GetRangeOperator2()) + " range2=" + Text(c->GetRange2()) + "]");
-        for (QdNode* qd : config->GetQd()) {
-            const QdStruct& q = qd->m_qd;
-            PrintLine("  qd " + std::to_string(qd->GetId()) + ": " + Text(q.strQdId) + " " +
-                      Text(q.strName) + " [" + Text(q.strUnit) + ", x" + Text(q.strUnitCode) +
-                      "] code=" + Text(q.strQdCode) + " formula=" + Text(q.strFormula) +
-                      " annex=" + Text(q.strAnnex) + " user=" + Text(q.strQdIdUser) +
-                      " type=" + Text(q.strtypeid));
-            for (DeNode* de : qd->GetDe())
-                PrintLine("    " + DeLine(*de));
-        }
-        for (DeNode* de : config->GetDe())
-            PrintLine("  " + DeLine(*de));
+    for (ConfigNode* config : configs)
+        PrintConfig(*config);
+}
+
+void PrintConfig(const ConfigNode& config) {
+    PrintLine("config " + std::to_string(config.GetId()) +
+              (config.IfDefault() ? " (default)" : "") + ": " + Text(config.GetConditionString()));
+    for (ConditionNode* c : config.GetCondition())
+        PrintLine("  condition " + std::to_string(c->GetId()) + ": " +
+                  Text(c->GetConditionString()) + "  [type=" + Text(c->GetCFType()) +
+                  " equal=" + (c->IsEqual() ? "1" : "0") + " op=" + Text(c->GetEqualOperator()) +
+                  " value=" + Text(c->GetValue()) + " op1=" + Text(c->GetRangeOperator1()) +
+                  " range1=" + Text(c->GetRange1()) + " op2=" + Text(c->GetRangeOperator2()) +
+                  " range2=" + Text(c->GetRange2()) + "]");
+    for (QdNode* qd : config.GetQd()) {
+        const QdStruct& q = qd->m_qd;
+        PrintLine("  qd " + std::to_string(qd->GetId()) + ": " + Text(q.strQdId) + " " +
+                  Text(q.strName) + " [" + Text(q.strUnit) + ", x" + Text(q.strUnitCode) +
+                  "] code=" + Text(q.strQdCode) + " formula=" + Text(q.strFormula) + " annex=" +
+                  Text(q.strAnnex) + " user=" + Text(q.strQdIdUser) + " type=" + Text(q.strtypeid));
+        for (DeNode* de : qd->GetDe())
+            PrintLine("    " + DeLine(*de));
     }
+    for (DeNode* de : config.GetDe())
+        PrintLine("  " + DeLine(*de));
 }
 
 namespace {

@@ -22,12 +22,13 @@ std::vector<CommandSpec> ToolCommands();
 std::vector<CommandSpec> LibraryCommands();
 std::vector<CommandSpec> MainCommands();
 std::vector<CommandSpec> CompletionCommands();
+std::vector<CommandSpec> RuleCommands();
 
 const std::vector<CommandSpec>& AllCommands() {
     static const std::vector<CommandSpec> all = [] {
         std::vector<CommandSpec> list;
-        for (auto group : {QueryCommands, FileCommands, EditCommands, LibraryCommands, ToolCommands,
-                           CompletionCommands, MainCommands})
+        for (auto group : {QueryCommands, RuleCommands, FileCommands, EditCommands, LibraryCommands,
+                           ToolCommands, CompletionCommands, MainCommands})
             for (auto& command : group())
                 list.push_back(std::move(command));
         return list;

@@ -1,0 +1,168 @@
+// match: which configuration a component receives, and why, by the one matching rule.
+#include "Cli.h"
+#include "Json.h"
+#include "Listing.h"
+#include "Translate.h"
+
+#include "host/HostData.h"
+#include "model/ConditionNode.h"
+#include "model/ConfigNode.h"
+#include "rules/Matcher.h"
+
+namespace {
+
+// "材质=镀锌钢管" pairs; an attribute is one the category's catalog or its conditions name,
+// so that a typo does not silently read as an absent attribute.
+Component ParseComponent(const std::vector<std::string>& pairs, const std::vector<CString>& known) {
+    Component component;
+    std::vector<std::string> names;
+    for (const CString& name : known)
+        names.push_back(ToUtf8(name));
+    for (const std::string& pair : pairs) {
+        const size_t eq = pair.find('=');
+        if (eq == std::string::npos || eq == 0)
+            throw UsageError(Tr("\"{1}\" is no ATTRIBUTE=VALUE", {pair}));
+        const std::string name = pair.substr(0, eq);
+        if (std::find(names.begin(), names.end(), name) == names.end())
+            throw UsageError(Tr("the category has no attribute \"{1}\"", {name}) +
+                             DidYouMean(name, names) + Tr(" (koqdde attrs CATEGORY lists them)"));
+        component[FromUtf8(name)] = FromUtf8(pair.substr(eq + 1));
+    }
+    return component;
+}
+
+std::string Reason(const ConditionTrial& trial) {
+    const ConditionNode& c = *trial.condition;
+    const std::string text = ToUtf8(trial.attributeText);
+    switch (trial.verdict) {
+    case Verdict::kHeld:
+        return Tr("holds");
+    case Verdict::kValueDiffers:
+        return Tr("\"{1}\" is not \"{2}\"", {text, ToUtf8(c.GetValue())});
+    case Verdict::kValueEquals:
+        return Tr("\"{1}\" is \"{2}\"", {text, ToUtf8(c.GetValue())});
+    case Verdict::kNotANumber:
+        return Tr("\"{1}\" is no number", {text});
+    case Verdict::kBadBound:
+        return Tr("a bound of the range is no number");
+    case Verdict::kBelowLower:
+        return Tr("{1} is below the range (lower bound {2} {3})",
+                  {text, ToUtf8(c.GetRangeOperator1()), ToUtf8(c.GetRange1())});
+    case Verdict::kAboveUpper:
+        return Tr("{1} is above the range (upper bound {2} {3})",
+                  {text, ToUtf8(c.GetRangeOperator2()), ToUtf8(c.GetRange2())});
+    }
+    return {};
+}
+
+const char* VerdictName(Verdict verdict) {
+    switch (verdict) {
+    case Verdict::kHeld:
+        return "held";
+    case Verdict::kValueDiffers:
+        return "valueDiffers";
+    case Verdict::kValueEquals:
+        return "valueEquals";
+    case Verdict::kNotANumber:
+        return "notANumber";
+    case Verdict::kBadBound:
+        return "badBound";
+    case Verdict::kBelowLower:
+        return "belowLower";
+    case Verdict::kAboveUpper:
+        return "aboveUpper";
+    }
+    return "";
+}
+
+std::string Position(size_t index) {
+    return "#" + std::to_string(index + 1);
+}
+
+int MatchCommand(CliContext& ctx, const std::vector<std::string>& raw) {
+    ParsedArgs args = ParseArgs(raw, {});
+    if (args.positional.empty())
+        throw UsageError(Tr("usage: match CATEGORY ATTRIBUTE=VALUE..."));
+    const std::string category = args.positional[0];
+    CPath path = ctx.ResolveCategory(Arg(category));
+    std::vector<ConfigNode*> configs;
+    ctx.Presenter().GetConfig(path, configs);
+
+    std::vector<CString> known;
+    if (const HostData* host = CurrentHostData())
+        if (const HostSmallCategory* small =
+                host->FindSmall(path.SpecId, path.LMemberId, path.SMemberId))
+            for (const HostAttribute& attribute : small->attributes)
+                known.push_back(attribute.name);
+    for (const ConfigNode* config : configs)
+        for (const ConditionNode* condition : config->GetCondition())
+            known.push_back(condition->GetCFType());
+    const Component component =
+        ParseComponent({args.positional.begin() + 1, args.positional.end()}, known);
+    const MatchResult result = Match(configs, component);
+    const ConfigNode* winner = result.Winner();
+
+    if (ctx.Options().json) {
+        Json attributes = Json::MakeObject();
+        for (const auto& [name, value] : component)
+            attributes.Set(ToUtf8(name), value);
+        Json trials = Json::MakeArray();
+        for (size_t i = 0; i < result.trials.size(); ++i) {
+            const ConfigTrial& trial = result.trials[i];
+            Json conditions = Json::MakeArray();
+            for (const ConditionTrial& c : trial.conditions)
+                conditions.Push(Json::MakeObject()
+                                    .Set("id", c.condition->GetId())
+                                    .Set("text", c.condition->GetConditionString())
+                                    .Set("attribute", c.condition->GetCFType())
+                                    .Set("componentValue", c.attributeText)
+                                    .Set("held", c.Held())
+                                    .Set("verdict", VerdictName(c.verdict))
+                                    .Set("reason", Reason(c)));
+            trials.Push(Json::MakeObject()
+                            .Set("id", trial.config->GetId())
+                            .Set("position", static_cast<int>(i + 1))
+                            .Set("default", trial.config->IfDefault())
+                            .Set("matched", trial.Matched())
+                            .Set("conditions", std::move(conditions)));
+        }
+        PrintLine(Json::MakeObject()
+                      .Set("category", Arg(category))
+                      .Set("component", std::move(attributes))
+                      .Set("tried", std::move(trials))
+                      .Set("receives", winner ? ConfigJson(*winner) : Json())
+                      .Dump());
+        return winner ? kExitTrue : kExitFalse;
+    }
+    for (size_t i = 0; i < result.trials.size(); ++i) {
+        const ConfigTrial& trial = result.trials[i];
+        PrintLine(Position(i) + " config " + std::to_string(trial.config->GetId()) +
+                  (trial.config->IfDefault() ? " (default)" : "") + ": " +
+                  (trial.Matched() ? Tr("matches") : Tr("does not match")));
+        for (const ConditionTrial& c : trial.conditions)
+            PrintLine("  " + ToUtf8(c.condition->GetConditionString()) + ": " + Reason(c));
+    }
+    if (!winner) {
+        PrintLine(Tr("no configuration matches: the category has no default configuration"));
+        return kExitFalse;
+    }
+    PrintLine(Tr("receives {1}:", {Position(result.trials.size() - 1)}));
+    PrintConfig(*winner);
+    return kExitTrue;
+}
+
+} // namespace
+
+std::vector<CommandSpec> RuleCommands() {
+    return {
+        {"match", "CATEGORY ATTRIBUTE=VALUE...",
+         TrNoop("which configuration a component receives, and why"),
+         TrNoop("Tries the configurations of CATEGORY in order on a component with these\n"
+                "attribute values, as the host does (docs/matching.md): each condition held\n"
+                "or failed and why, up to the first configuration that matches, then the bill\n"
+                "and quota items that configuration gives. An attribute not given reads as\n"
+                "empty. Exits 1 when nothing matches (a category without its default).\n\n"
+                "Example:\n  koqdde match '管道\\给水管' 材质=镀锌钢管 '管径(mm)=32'"),
+         MatchCommand},
+    };
+}
