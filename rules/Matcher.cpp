@@ -2,23 +2,16 @@
 
 #include "model/ConditionNode.h"
 #include "model/ConfigNode.h"
+#include "platform/NumParse.h"
+#include "presenter/ConditionRules.h"
 
-#include <charconv>
 #include <string>
 
 namespace {
 
-const wchar_t* const kNotEqual = L"\u2260"; // ≠
-const wchar_t* const kAbove = L"\uFF1E";    // ＞
-const wchar_t* const kBelow = L"\uFF1C";    // ＜
-
-std::string Trimmed(const CString& text) {
-    const std::string utf8 = ToUtf8(text);
-    const size_t first = utf8.find_first_not_of(" \t");
-    if (first == std::string::npos)
-        return {};
-    return utf8.substr(first, utf8.find_last_not_of(" \t") - first + 1);
-}
+using ConditionOperator::kAbove;
+using ConditionOperator::kBelow;
+using ConditionOperator::kNotEqual;
 
 // A bound's verdict: `value` against `bound`, strict when the operator excludes the bound.
 bool Within(double value, double bound, bool strict, bool lower) {
@@ -30,25 +23,9 @@ bool Within(double value, double bound, bool strict, bool lower) {
 } // namespace
 
 std::optional<double> ReadNumber(const CString& text) {
-    const std::string number = Trimmed(text);
-    size_t digits = 0, points = 0, at = 0;
-    if (at < number.size() && (number[at] == '+' || number[at] == '-'))
-        ++at;
-    for (size_t i = at; i < number.size(); ++i) {
-        if (number[i] == '.')
-            ++points;
-        else if (number[i] >= '0' && number[i] <= '9')
-            ++digits;
-        else
-            return std::nullopt;
-    }
-    if (digits == 0 || points > 1)
+    if (!IsDecimalNumber(text))
         return std::nullopt;
-    // from_chars takes no '+'; the checks above leave it nothing else to refuse.
-    const char* begin = number.data() + (number[0] == '+' ? 1 : 0);
-    double value = 0;
-    std::from_chars(begin, number.data() + number.size(), value);
-    return value;
+    return WToF(text);
 }
 
 ConditionTrial TryCondition(const ConditionNode& condition, const Component& component) {
@@ -79,7 +56,8 @@ ConditionTrial TryCondition(const ConditionNode& condition, const Component& com
                                      true, Verdict::kBelowLower},
                                Bound{condition.GetRange2(), condition.GetRangeOperator2() == kBelow,
                                      false, Verdict::kAboveUpper}}) {
-        if (Trimmed(bound.text).empty())
+        CString blank = bound.text;
+        if (blank.Trim().IsEmpty())
             continue; // an open bound
         const std::optional<double> limit = ReadNumber(bound.text);
         if (!limit) {
