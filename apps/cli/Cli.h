@@ -53,6 +53,10 @@ class CliContext {
 public:
     explicit CliContext(GlobalOptions options, bool editing = false)
         : m_options(std::move(options)), m_editing(editing) {}
+    // Under --dry-run, removes the configuration file that reading it created.
+    ~CliContext();
+    CliContext(const CliContext&) = delete;
+    CliContext& operator=(const CliContext&) = delete;
     const GlobalOptions& Options() const { return m_options; }
     CQdDeConfigPresenter& Presenter();
     bool HasPresenter() const { return m_presenter != nullptr; }
@@ -66,9 +70,13 @@ public:
     // A configuration of the small category at `path`: its id, or "#N" for the N-th in the
     // list as the workbench shows it. UsageError when there is none.
     int ResolveConfig(const CPath& path, const std::string& text);
+    // "专业\大类\小类" of a resolved small category, as the host's lists name it.
+    CString SmallCategoryPath(const CPath& path);
+    // Holds the edit lock of a file the command is about to write, until the run ends;
+    // Refusal when a workbench has it open (unless --force) or another edit holds it.
+    void LockForEdit(const CString& file);
 
 private:
-    void LockForEdit(const CString& file);
     // Refuses a file that exists but does not load as a configuration (an edit may go on
     // with --force, as the store would).
     void CheckLoaded(const CString& file, const std::string& loadError);
@@ -77,6 +85,7 @@ private:
     bool m_editing;
     FileLock m_lock; // released after the presenter, which may save on its way out
     std::unique_ptr<CQdDeConfigPresenter> m_presenter;
+    CString m_createdByDryRun; // the file reading created, when --dry-run is given
 };
 
 struct CommandSpec {
@@ -124,6 +133,12 @@ int FinishEdit(CliContext& ctx, bool ok, const std::string& category, int newId 
 
 // "; did you mean X?" for the nearest of `names`, or "" when none is near.
 std::string DidYouMean(const std::string& typed, const std::vector<std::string>& names);
+
+// A hint for a category argument that names no small category: a large category given alone
+// (with its small ones), or names run together by a shell that took out the backslashes; ""
+// when none fits.
+std::string CategoryHint(const Spec& spec, const CString& text);
+
 // Writes a line of text or the JSON document to standard output.
 void PrintLine(const std::string& text);
 CString Arg(const std::string& utf8);

@@ -1,4 +1,5 @@
 #include "Cli.h"
+#include "Guards.h"
 #include "Translate.h"
 
 #include "model/Spec.h"
@@ -22,9 +23,15 @@ CQdDeConfigPresenter& CliContext::Presenter() {
                          "koqdde: the project's SysRegedit.ini names \"%s\" as the current "
                          "configuration, which is no file name; DefaultConfig is used\n",
                          ToUtf8(recorded).c_str());
+        // The store makes a missing file; not in a folder that is missing too, nor where the
+        // user meant a file the shell mangled.
+        if (!m_options.file.IsEmpty())
+            ExpectFolderOf(m_options.file, "--file");
         const CString file = m_options.file.IsEmpty()
                                  ? CQdDeConfigPresenter::GetCurConfigDetailPath()
                                  : m_options.file;
+        if (m_options.dryRun && !PathExists(file))
+            m_createdByDryRun = file;
         if (m_editing)
             LockForEdit(file);
         auto presenter = std::make_unique<CQdDeConfigPresenter>(m_options.file);
@@ -33,6 +40,21 @@ CQdDeConfigPresenter& CliContext::Presenter() {
         m_presenter = std::move(presenter);
     }
     return *m_presenter;
+}
+
+CliContext::~CliContext() {
+    m_presenter.reset();
+    if (!m_createdByDryRun.IsEmpty())
+        std::remove(ToUtf8(m_createdByDryRun).c_str());
+}
+
+CString CliContext::SmallCategoryPath(const CPath& path) {
+    const Spec& spec = Tree();
+    const LMember* large = spec.GetLMember(path.LMemberId);
+    const SMember* small = large ? large->GetSMember(path.SMemberId) : nullptr;
+    if (!small)
+        return CString();
+    return spec.GetSpecName() + L"\\" + large->GetName() + L"\\" + small->GetName();
 }
 
 void CliContext::GuardEdit(const CString& file) {

@@ -1,18 +1,21 @@
 // config, condition, qd, de: editing a small category's configurations. Each edit is saved
 // unless --dry-run is given; bad input changes nothing and exits with status 2.
+#include "Checks.h"
 #include "Cli.h"
 #include "Json.h"
+#include "Translate.h"
 
+#include "host/QvKoProject/QvKoProject.h"
 #include "model/Spec.h"
+#include "presenter/ConditionRules.h"
+
+#include <cstdio>
+#include <functional>
+#include <tuple>
 
 namespace {
 
-const wchar_t* const kEq = L"\uFF1D"; // ＝
-const wchar_t* const kNe = L"\u2260"; // ≠
-const wchar_t* const kGt = L"\uFF1E"; // ＞
-const wchar_t* const kGe = L"\u2265"; // ≥
-const wchar_t* const kLt = L"\uFF1C"; // ＜
-const wchar_t* const kLe = L"\u2264"; // ≤
+using namespace ConditionOperator;
 
 // The category and, when asked for, the configuration an edit addresses, checked to exist.
 struct Target {
@@ -37,6 +40,28 @@ Target Resolve(CliContext& ctx, const ParsedArgs& args, size_t need, const std::
 void ExpectCount(const ParsedArgs& args, size_t count, const std::string& usage) {
     if (args.positional.size() != count)
         throw UsageError("usage: " + usage);
+}
+
+// An edit the module refuses, or one that would change nothing: exit 1 with the reason after
+// the general line.
+int Refused(CliContext& ctx, const std::string& category, const std::string& why) {
+    const int status = FinishEdit(ctx, false, category);
+    std::fprintf(stderr, "koqdde: %s\n", why.c_str());
+    return status;
+}
+
+// Why a configuration can't move: the first can't go up, nothing passes the default one.
+std::string WhyNoMove(CliContext& ctx, const Target& t, bool up) {
+    std::vector<ConfigNode*> configs;
+    ctx.Presenter().GetConfig(t.path, configs);
+    const std::string id = std::to_string(t.config->GetId());
+    if (t.config->IfDefault())
+        return Tr("configuration {1} is the default one (其它), which always stays last", {id});
+    if (up)
+        return Tr("configuration {1} is already the first; nothing moved", {id});
+    return Tr("configuration {1} is already the last before the default one (其它), which stays "
+              "last; nothing moved",
+              {id});
 }
 
 // --- config -------------------------------------------------------------------------------
@@ -69,9 +94,10 @@ int Config(CliContext& ctx, const std::vector<std::string>& raw) {
     }
     if (action == "delete")
         return FinishEdit(ctx, p.DelConfig(t.path), t.category);
-    if (action == "up")
-        return FinishEdit(ctx, p.MoveUpConfig(t.path), t.category);
-    return FinishEdit(ctx, p.MoveDownConfig(t.path), t.category);
+    const bool up = action == "up";
+    if (up ? p.MoveUpConfig(t.path) : p.MoveDownConfig(t.path))
+        return FinishEdit(ctx, true, t.category);
+    return Refused(ctx, t.category, WhyNoMove(ctx, t, up));
 }
 
 // --- condition ----------------------------------------------------------------------------
@@ -104,12 +130,13 @@ CStringArray BuildConditionArray(const ParsedArgs& args, size_t firstString) {
         if (args.Has("--eq") && args.Has("--ne"))
             throw UsageError("--eq and --ne exclude each other");
         bool eq = args.Has("--eq");
-        return {attr, L"1", eq ? kEq : kNe, L"", L"", value(eq ? "--eq" : "--ne"), L"", L""};
+        return {attr, L"1", eq ? kEqual : kNotEqual, L"", L"", value(eq ? "--eq" : "--ne"),
+                L"",  L""};
     }
     if ((args.Has("--gt") && args.Has("--ge")) || (args.Has("--lt") && args.Has("--le")))
         throw UsageError("one operator per bound: --gt or --ge, --lt or --le");
-    CString op1 = args.Has("--gt") ? kGt : (args.Has("--ge") ? kGe : L"");
-    CString op2 = args.Has("--lt") ? kLt : (args.Has("--le") ? kLe : L"");
+    CString op1 = args.Has("--gt") ? kAbove : (args.Has("--ge") ? kAtLeast : L"");
+    CString op2 = args.Has("--lt") ? kBelow : (args.Has("--le") ? kAtMost : L"");
     CString lower = args.Has("--gt") ? value("--gt") : (args.Has("--ge") ? value("--ge") : L"");
     CString upper = args.Has("--lt") ? value("--lt") : (args.Has("--le") ? value("--le") : L"");
     if (lower.IsEmpty() && upper.IsEmpty())
@@ -125,12 +152,29 @@ bool HasCondition(const ConfigNode& config, int id) {
 }
 
 int Condition(CliContext& ctx, const std::vector<std::string>& raw) {
-    ParsedArgs args = ParseArgs(raw, kConditionOptions, {"--strings"});
+    ParsedArgs args = ParseArgs(raw, kConditionOptions, {"--strings", "--allow-unknown"});
     std::string action = args.positional.empty() ? "" : args.positional[0];
     CQdDeConfigPresenter& p = ctx.Presenter();
+    const bool allowUnknown = args.Has("--allow-unknown");
     if (action == "add") {
         Target t = Resolve(ctx, args, 3, "condition add CATEGORY CONFIG-ID CONDITION");
         CStringArray strings = BuildConditionArray(args, 3);
+        CheckCondition(ctx, t.path, strings, allowUnknown);
+        // One condition per attribute: a second replaces the first, as the workbench's ">>".
+        if (ConditionNode* same = ConditionOn(*t.config, strings[0])) {
+            const std::string id = std::to_string(same->GetId());
+            if (HoldsCondition(*same, strings))
+                return Refused(ctx, t.category,
+                               Tr("condition {1} is this condition already", {id}));
+            std::fprintf(stderr, "koqdde: %s\n",
+                         Tr("condition {1} already tests {2}; it is replaced, as the workbench "
+                            "replaces it",
+                            {id, ToUtf8(strings[0])})
+                             .c_str());
+            t.path.ConditionId = same->GetId();
+            const bool ok = p.ResetCondition(t.path, strings);
+            return FinishEdit(ctx, ok, t.category, ok ? same->GetId() : 0);
+        }
         bool ok = p.AddCondition(t.path, strings);
         return FinishEdit(ctx, ok, t.category, ok ? t.config->GetLastConditionId() : 0);
     }
@@ -145,6 +189,15 @@ int Condition(CliContext& ctx, const std::vector<std::string>& raw) {
                          args.positional[2]);
     if (action == "reset") {
         CStringArray strings = BuildConditionArray(args, 4);
+        CheckCondition(ctx, t.path, strings, allowUnknown);
+        const ConditionNode* same = ConditionOn(*t.config, strings[0]);
+        if (same && same->GetId() != t.path.ConditionId)
+            throw UsageError(Tr("condition {1} already tests {2}: reset that one, or delete it "
+                                "first",
+                                {std::to_string(same->GetId()), ToUtf8(strings[0])}));
+        if (same && HoldsCondition(*same, strings))
+            return Refused(ctx, t.category,
+                           Tr("condition {1} holds these values already", {args.positional[3]}));
         return FinishEdit(ctx, p.ResetCondition(t.path, strings), t.category);
     }
     ExpectCount(args, 4, usage);
@@ -190,18 +243,53 @@ DeStruct ApplyDe(const ParsedArgs& args, DeStruct de) {
     return de;
 }
 
+// `where` says where an id that is not found is, when it is elsewhere.
 std::set<int> Ids(const ParsedArgs& args, size_t first, const std::string& what,
-                  const std::function<bool(int)>& exists) {
+                  const std::function<bool(int)>& exists,
+                  const std::function<std::string(int)>& where = {}) {
     if (args.positional.size() <= first)
         throw UsageError("give at least one " + what);
     std::set<int> ids;
     for (size_t i = first; i < args.positional.size(); ++i) {
         int id = ParseId(args.positional[i], what);
-        if (!exists(id))
-            throw UsageError("no " + what + " " + args.positional[i]);
+        if (!exists(id)) {
+            const std::string hint = where ? where(id) : std::string();
+            throw UsageError("no " + what + " " + args.positional[i] +
+                             (hint.empty() ? "" : "; " + hint));
+        }
         ids.insert(id);
     }
     return ids;
+}
+
+auto Fields(const QdStruct& q) {
+    return std::tie(q.strQdId, q.strQdIdUser, q.strName, q.strUnit, q.strUnitCode, q.strtypeid,
+                    q.strQdCode, q.strFormula, q.strAnnex);
+}
+
+auto Fields(const DeStruct& d) {
+    return std::tie(d.strName, d.strUnit, d.strUnitCode, d.strDeId, d.strDeCode, d.strFormula,
+                    d.strAnnex);
+}
+
+// A reset changes the fields given: none is a usage error.
+void ExpectFields(const ParsedArgs& args, const std::string& command) {
+    for (const auto& [option, value] : args.values)
+        if (option != "--qd")
+            return;
+    throw UsageError(Tr("{1} changes the fields given; give at least one (see {2} --help)",
+                        {command, command.substr(0, command.find(' '))}));
+}
+
+// Where a quota item that is not where the command looked is: under a bill item, or on the
+// configuration itself; "" when it is nowhere.
+std::string WhereQuotaIs(const ConfigNode& config, const QdNode* lookedIn, int id) {
+    for (const QdNode* qd : config.GetQd())
+        if (qd != lookedIn && qd->GetDe(id))
+            return Tr("it is under bill item {1}: use --qd {1}", {std::to_string(qd->GetId())});
+    if (lookedIn && config.GetDe(id))
+        return Tr("it hangs on the configuration itself: leave out --qd");
+    return "";
 }
 
 int Qd(CliContext& ctx, const std::vector<std::string>& raw) {
@@ -215,7 +303,13 @@ int Qd(CliContext& ctx, const std::vector<std::string>& raw) {
         ExpectCount(args, 3, usage);
         if (!args.Has("--number") || args.values.at("--number").empty())
             throw UsageError("a bill item needs --number");
-        bool ok = p.AddQd(ApplyQd(args, QdStruct()), t.path, configs);
+        QdStruct qd = ApplyQd(args, QdStruct());
+        // The workbench's grid shows the bills of the project's bill library only.
+        if (!args.Has("--code"))
+            qd.strQdCode = CAtt().GetQdCode();
+        CheckItemFields(ctx, t.path, args);
+        CheckBillNumber(*t.config, qd.strQdId, 0);
+        bool ok = p.AddQd(qd, t.path, configs);
         return FinishEdit(ctx, ok, t.category, ok ? t.config->GetLastQdId() : 0);
     }
     if (action == "reset") {
@@ -226,7 +320,15 @@ int Qd(CliContext& ctx, const std::vector<std::string>& raw) {
         QdNode* qd = t.config->GetQd(t.path.QdId);
         if (!qd)
             throw UsageError("no bill item " + args.positional[3]);
-        return FinishEdit(ctx, p.ResetQd(t.path, ApplyQd(args, qd->m_qd)), t.category);
+        ExpectFields(args, "qd reset");
+        CheckItemFields(ctx, t.path, args);
+        const QdStruct record = ApplyQd(args, qd->m_qd);
+        if (args.Has("--number"))
+            CheckBillNumber(*t.config, record.strQdId, t.path.QdId);
+        if (Fields(record) == Fields(qd->m_qd))
+            return Refused(ctx, t.category,
+                           Tr("bill item {1} holds these values already", {args.positional[3]}));
+        return FinishEdit(ctx, p.ResetQd(t.path, record), t.category);
     }
     if (action == "delete") {
         if (!args.values.empty())
@@ -261,6 +363,11 @@ int De(CliContext& ctx, const std::vector<std::string>& raw) {
         DeStruct de = ApplyDe(args, DeStruct());
         if (de.strDeId.IsEmpty())
             throw UsageError("a quota item needs --number");
+        // The workbench's grid shows the quotas of the mode's quota library only.
+        CAtt att;
+        if (!args.Has("--code"))
+            de.strDeCode = att.GetQdDeMode() == 0 ? att.GetQdDeCode() : att.GetDeCode();
+        CheckItemFields(ctx, t.path, args);
         bool ok =
             qd ? p.AddDe2QdNode(de, t.path, configs) : p.AddDe2ConfigNode(de, t.path, configs);
         int id = qd ? qd->GetLastDeId() : t.config->GetLastDeId();
@@ -270,16 +377,26 @@ int De(CliContext& ctx, const std::vector<std::string>& raw) {
         ExpectCount(args, 4, usage);
         t.path.DeId = ParseId(args.positional[3], "DE-ID");
         DeNode* de = find(t.path.DeId);
-        if (!de)
-            throw UsageError("no quota item " + args.positional[3]);
+        if (!de) {
+            const std::string hint = WhereQuotaIs(*t.config, qd, t.path.DeId);
+            throw UsageError("no quota item " + args.positional[3] +
+                             (hint.empty() ? "" : "; " + hint));
+        }
+        ExpectFields(args, "de reset");
+        CheckItemFields(ctx, t.path, args);
         DeStruct record = ApplyDe(args, de->m_de);
+        if (Fields(record) == Fields(de->m_de))
+            return Refused(ctx, t.category,
+                           Tr("quota item {1} holds these values already", {args.positional[3]}));
         bool ok = qd ? p.ResetDeToQd(t.path, record) : p.ResetDeToConfig(t.path, record);
         return FinishEdit(ctx, ok, t.category);
     }
     for (const auto& [option, value] : args.values)
         if (option != "--qd")
             throw UsageError("de delete takes no field options");
-    std::set<int> ids = Ids(args, 3, "DE-ID", [&](int id) { return find(id) != nullptr; });
+    std::set<int> ids = Ids(
+        args, 3, "DE-ID", [&](int id) { return find(id) != nullptr; },
+        [&](int id) { return WhereQuotaIs(*t.config, qd, id); });
     bool ok = qd ? p.DelDeInQdNode(t.path, {{t.path.QdId, ids}}) : p.DelDeInConfigNode(t.path, ids);
     return FinishEdit(ctx, ok, t.category);
 }

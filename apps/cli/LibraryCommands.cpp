@@ -131,16 +131,10 @@ int Lib(CliContext& ctx, const std::vector<std::string>& raw) {
     throw UsageError("lib takes search or show");
 }
 
-// "专业\大类\小类" of a resolved category, as the calculation rules name it.
-CString SmallCategoryPath(CliContext& ctx, const SMember& small) {
-    const auto* large = static_cast<const LMember*>(small.GetParent());
-    return ctx.Tree().GetSpecName() + L"\\" + large->GetName() + L"\\" + small.GetName();
-}
-
-void FillDefaultFormula(CliContext& ctx, const SMember& small, CString& formula) {
+void FillDefaultFormula(CliContext& ctx, const CPath& path, CString& formula) {
     if (!formula.IsEmpty())
         return;
-    const CString category = SmallCategoryPath(ctx, small);
+    const CString category = ctx.SmallCategoryPath(path);
     if (!DefaultFormulaOf(category, formula))
         std::fprintf(stderr,
                      "koqdde: 计算规则不对应! (%s has no calculation item); the item gets no "
@@ -214,8 +208,7 @@ int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
     const std::string kind = args.positional.empty() ? "" : args.positional[0];
     if ((kind != "bill" && kind != "quota") || args.positional.size() != 4)
         throw UsageError("usage: apply bill|quota CATEGORY CONFIG-ID NUMBER [options]");
-    const SMember* small = nullptr;
-    CPath path = ctx.ResolveCategory(Arg(args.positional[1]), &small);
+    CPath path = ctx.ResolveCategory(Arg(args.positional[1]));
     path.ConfigId = ctx.ResolveConfig(path, args.positional[2]);
     ConfigNode* config = ctx.Presenter().GetConfig(path);
     if (!config)
@@ -238,7 +231,7 @@ int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
             inConfig.push_back(qd->m_qd.strQdId);
         const CString number = SettleBillNumber(info.strQdNum, args, inConfig);
         QdStruct qd = QdFromLibrary(info, number, att.GetQdCode());
-        FillDefaultFormula(ctx, *small, qd.strFormula);
+        FillDefaultFormula(ctx, path, qd.strFormula);
         const bool ok = ctx.Presenter().AddQd(qd, path, configs);
         if (ok && !ctx.Options().json)
             std::fprintf(stderr, "koqdde: bill %s %s\n", ToUtf8(number).c_str(),
@@ -261,7 +254,7 @@ int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
     }
     LibraryItem item = FindItem(OpenLibrary(true), args.positional[3], true);
     DeStruct de = DeFromLibrary(ToQuotaPick(item), billMode ? att.GetQdDeCode() : att.GetDeCode());
-    FillDefaultFormula(ctx, *small, de.strFormula);
+    FillDefaultFormula(ctx, path, de.strFormula);
     const bool ok = billMode ? ctx.Presenter().AddDe2QdNode(de, path, configs)
                              : ctx.Presenter().AddDe2ConfigNode(de, path, configs);
     const int id = owner ? owner->GetLastDeId() : config->GetLastDeId();

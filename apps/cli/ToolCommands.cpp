@@ -1,6 +1,8 @@
 // attr, head: the attribute settings and the binary head of a configuration file.
 #include "Cli.h"
+#include "Guards.h"
 #include "Json.h"
+#include "Translate.h"
 
 #include "host/QvKoSettings/QvKoSettings.h"
 #include "model/Spec.h"
@@ -8,6 +10,7 @@
 #include "platform/FileSystem.h"
 #include "presenter/CAutoQdDeConfigFacade.h"
 #include "store/CAttrConfigStore.h"
+#include "store/ConfigFileCheck.h"
 #include "store/FileHeadReader.h"
 
 #include <cstdio>
@@ -34,15 +37,6 @@ void PrintRecord(CliContext& ctx, const std::string& key, const AttrConfig& r) {
               " specrelation=" + std::to_string(r.specrelation));
 }
 
-// "专业\大类\小类" of a category argument, checked against the tree.
-CString CategoryText(CliContext& ctx, const std::string& category) {
-    CPath path = ctx.ResolveCategory(Arg(category));
-    const Spec& spec = ctx.Tree();
-    LMember* large = spec.GetLMember(path.LMemberId);
-    SMember* small = large->GetSMember(path.SMemberId);
-    return spec.GetSpecName() + L"\\" + large->GetName() + L"\\" + small->GetName();
-}
-
 int ParseSetting(const std::string& text, const std::string& option, int max) {
     int value = ParseId(text, option);
     if (value > max)
@@ -56,6 +50,9 @@ int Attr(CliContext& ctx, const std::vector<std::string>& raw) {
     if (action == "generate") {
         if (args.positional.size() != 1 || !args.values.empty())
             throw UsageError("usage: attr generate");
+        RefuseDryRun(ctx, "attr generate",
+                     Tr("it writes AttrConfig.xml at once; try it on a copy of the configuration "
+                        "folder (--config-dir DIR)"));
         // The facade's generation, with the store at hand to say why it failed.
         CAttrConfigStore generator;
         try {
@@ -80,7 +77,7 @@ int Attr(CliContext& ctx, const std::vector<std::string>& raw) {
         throw UsageError("attr get takes no options");
     if (const std::string& why = ctx.Presenter().AttConfigError(); !why.empty())
         throw UsageError("cannot use the attribute settings: " + why);
-    CString first = CategoryText(ctx, args.positional[1]);
+    CString first = ctx.SmallCategoryPath(ctx.ResolveCategory(Arg(args.positional[1])));
     CString second = Arg(args.positional[2]);
     std::string key = ToUtf8(first + second);
     CQdDeConfigPresenter& p = ctx.Presenter();
@@ -128,28 +125,54 @@ std::string TagName(std::uint32_t tag) {
 }
 
 std::string ReadOrFail(const std::string& file) {
+    ExpectExisting(Arg(file));
     std::optional<std::string> bytes = ReadFileBytes(Arg(file));
     if (!bytes)
         throw UsageError("cannot read \"" + file + "\"");
     return *bytes;
 }
 
+// head write FILE [OUT]: stamps FILE and puts the head ahead of it, in place or into OUT.
+int HeadWrite(CliContext& ctx, const ParsedArgs& args) {
+    if (args.positional.size() != 2 && args.positional.size() != 3)
+        throw UsageError("usage: head write FILE [OUT]");
+    const std::string& file = args.positional[1];
+    const std::string& target = args.positional.back();
+    const std::string before = ReadOrFail(file);
+    ExpectFolderOf(Arg(target), "OUT");
+    // Only a configuration has the root the stamp goes on; a headed file has none.
+    if (!ConfigLoadError(Arg(file)).empty()) {
+        std::fputs("koqdde: no configuration root in the file; nothing written\n", stderr);
+        if (ctx.Options().json)
+            PrintLine(Json::MakeObject().Set("ok", false).Set("file", target).Dump());
+        return kExitFalse;
+    }
+    const bool replaces = MayReplace(ctx, Arg(target), "head write");
+    if (ctx.Options().dryRun)
+        return ReportPlan(ctx, true, Arg(target),
+                          {Tr("dry run: nothing done; head write would stamp {1} with the "
+                              "project's mode and libraries and write it with the binary head "
+                              "to {2}",
+                              {file, target})},
+                          replaces);
+    if (replaces)
+        KeepBackup(Arg(target));
+    if (target != file && !WriteFileAtomically(Arg(target), before))
+        throw UsageError("cannot write \"" + target + "\"");
+    CAutoQdDeConfigFacade::WriteHead(Arg(target));
+    const bool headed = ReadOrFail(target) != before;
+    if (!headed)
+        std::fputs("koqdde: no configuration root in the file; nothing written\n", stderr);
+    if (ctx.Options().json)
+        PrintLine(Json::MakeObject().Set("ok", headed).Set("file", target).Dump());
+    return headed ? kExitTrue : kExitFalse;
+}
+
 int Head(CliContext& ctx, const std::vector<std::string>& raw) {
     ParsedArgs args = ParseArgs(raw, {});
     std::string action = args.positional.empty() ? "" : args.positional[0];
-    if (action == "write") {
-        if (args.positional.size() != 2)
-            throw UsageError("usage: head write FILE");
-        std::string before = ReadOrFail(args.positional[1]);
-        CAutoQdDeConfigFacade::WriteHead(Arg(args.positional[1]));
-        std::string after = ReadOrFail(args.positional[1]);
-        bool headed = after != before;
-        if (!headed)
-            std::fputs("koqdde: no configuration root in the file; nothing written\n", stderr);
-        if (ctx.Options().json)
-            PrintLine(Json::MakeObject().Set("ok", headed).Set("file", args.positional[1]).Dump());
-        return headed ? kExitTrue : kExitFalse;
-    }
+    if (action == "write")
+        return HeadWrite(ctx, args);
     if (action == "read") {
         if (args.positional.size() != 2)
             throw UsageError("usage: head read FILE");
@@ -189,7 +212,19 @@ int Head(CliContext& ctx, const std::vector<std::string>& raw) {
             std::fprintf(stderr, "koqdde: %s\n", error.c_str());
             return kExitFalse;
         }
-        if (!WriteFileAtomically(Arg(args.positional[2]), body))
+        const CString out = Arg(args.positional[2]);
+        ExpectFolderOf(out, "OUT");
+        const bool replaces = MayReplace(ctx, out, "head strip");
+        if (ctx.Options().dryRun)
+            return ReportPlan(
+                ctx, true, out,
+                {Tr("dry run: nothing done; head strip would write the {1} bytes "
+                    "of the configuration inside {2} to {3}",
+                    {std::to_string(body.size()), args.positional[1], args.positional[2]})},
+                replaces);
+        if (replaces)
+            KeepBackup(out);
+        if (!WriteFileAtomically(out, body))
             throw UsageError("cannot write \"" + args.positional[2] + "\"");
         if (ctx.Options().json)
             PrintLine(Json::MakeObject().Set("ok", true).Set("file", args.positional[2]).Dump());

@@ -45,11 +45,13 @@ TEST_F(Cli, ExitStatusesAndMessages) {
     EXPECT_EQ(Run({"show", "管道\\给水管"}).status, 0) << "the specialty may be left out";
     EXPECT_EQ(Run({"--", "show", "--", "管道\\给水管"}).status, 0) << "\"--\" ends the options";
 
-    Result missing = Run({"open", Path("missing.xml")});
+    // Only files of the configuration folder become current.
+    const std::string folder = Path("pack/profile/自动套配置/");
+    Result missing = Run({"open", folder + "missing.xml"});
     EXPECT_EQ(missing.status, 1);
     EXPECT_TRUE(Has(missing.err, "Quorvel: 文件不存在，请重新选择调用文件!"));
 
-    std::string junk = Path("junk.xml");
+    std::string junk = folder + "junk.xml";
     std::filesystem::copy_file(Path("pack/catalog.xml"), junk);
     Result refresh = Run({"refresh", junk});
     EXPECT_EQ(refresh.status, 1);
@@ -141,10 +143,11 @@ TEST_F(Cli, ConditionsBillsAndQuotasEndToEnd) {
 TEST_F(Cli, HeadedFilesCanBeReadAndStripped) {
     ASSERT_EQ(Run({"config", "add", kPipe}).status, 0);
     std::string body = Bytes(Config());
-    Result write = Run({"head", "write", Config()});
+    Result write = Run({"--force", "head", "write", Config()});
     ASSERT_EQ(write.status, 0) << write.err;
     std::string headed = Bytes(Config());
     ASSERT_GT(headed.size(), body.size());
+    EXPECT_EQ(Bytes(Config() + ".bak"), body) << "the replaced file is kept";
     EXPECT_EQ(headed.substr(0, 9), std::string("\xE9\x03\x00\x00\x01\x00\x00\x00"
                                                "5",
                                                9));
@@ -157,10 +160,13 @@ TEST_F(Cli, HeadedFilesCanBeReadAndStripped) {
     Result json = Run({"--json", "head", "read", Config()});
     EXPECT_TRUE(Has(json.out, "\"tag\": 1000"));
 
-    Result refresh = Run({"refresh", Config()});
+    const std::string folder = Path("pack/profile/自动套配置/");
+    std::filesystem::create_directories(folder);
+    std::filesystem::copy_file(Config(), folder + "headed.xml");
+    Result refresh = Run({"refresh", folder + "headed.xml"});
     EXPECT_EQ(refresh.status, 1);
     EXPECT_TRUE(Has(refresh.out, "文件功能不匹配"));
-    EXPECT_EQ(Run({"head", "write", Config()}).status, 1) << "a headed file has no root";
+    EXPECT_EQ(Run({"--force", "head", "write", Config()}).status, 1) << "a headed file has no root";
     EXPECT_EQ(Bytes(Config()), headed);
 
     // A headed file is no configuration: a query says so, an edit keeps its hands off it
@@ -169,7 +175,7 @@ TEST_F(Cli, HeadedFilesCanBeReadAndStripped) {
     EXPECT_EQ(show.status, 4);
     EXPECT_TRUE(Has(show.err, "koqdde head strip")) << show.err;
     EXPECT_EQ(show.out, "");
-    std::string out = Path("recovered.xml");
+    std::string out = folder + "recovered.xml";
     ASSERT_EQ(Run({"head", "strip", Config(), out}).status, 0);
     Result open = Run({"open", out});
     EXPECT_EQ(open.status, 4);

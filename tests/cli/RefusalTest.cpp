@@ -1,0 +1,183 @@
+// What the tool refuses, and that a refusal or a dry run leaves every file as it was.
+#include "CliFixture.h"
+
+#include <functional>
+#include <map>
+
+namespace {
+
+struct Refused {
+    std::vector<std::string> args;
+    int status;
+    std::string says; // in the output or the error
+};
+
+class Refusals : public Cli {
+protected:
+    std::string Folder() const { return Path("pack/profile/自动套配置/"); }
+
+    // A checksum of every file of the test but the tool's outputs and the edits' lock files.
+    std::map<std::string, size_t> Files() const {
+        std::map<std::string, size_t> files;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(Path(""))) {
+            const std::string name = entry.path().filename().string();
+            if (!entry.is_regular_file() || name == "out.txt" || name == "err.txt" ||
+                (name.starts_with(".") && name.ends_with(".lock")))
+                continue;
+            files[entry.path().string()] = std::hash<std::string>()(Bytes(entry.path().string()));
+        }
+        return files;
+    }
+
+    void ExpectRefused(const std::vector<Refused>& lines) {
+        for (const Refused& line : lines) {
+            const auto before = Files();
+            std::string shown;
+            for (const std::string& arg : line.args)
+                shown += arg + " ";
+            Result r = Run(line.args);
+            EXPECT_EQ(r.status, line.status) << shown << "\n" << r.err;
+            EXPECT_TRUE(Has(r.out + r.err, line.says)) << shown << "\n" << r.out << r.err;
+            EXPECT_EQ(Files(), before) << shown;
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(Refusals, FileCommandsDoWhatTheySayOrChangeNothing) {
+    ASSERT_EQ(Run({"config", "add", kPipeArg}).status, 0);
+    ASSERT_EQ(Run({"current"}).status, 0) << "makes the configuration folder";
+    const std::string outside = Path("outside.xml");
+    const std::string inside = Folder() + "a.xml";
+    const std::string headed = Path("headed.xml");
+    std::filesystem::copy_file(Config(), outside);
+    std::filesystem::copy_file(Config(), inside);
+    ASSERT_EQ(Run({"head", "write", Config(), headed}).status, 0) << "into OUT, FILE kept";
+
+    const std::string glued = Path("packprofile/自动套配置a.xml"); // a\b\c unquoted
+    ExpectRefused({
+        {{"open", outside}, 2, "is not in the configuration folder"},
+        {{"refresh", outside}, 2, "copy it there first: koqdde import " + outside},
+        {{"new", outside}, 2, "make the new one there: koqdde new "},
+        {{"new", inside}, 4, "Give --force to replace it"},
+        {{"save-as", outside}, 4, "kept as " + outside + ".bak"},
+        {{"head", "write", Config()}, 4, "--force"},
+        {{"head", "write", Config(), outside}, 4, "--force"},
+        {{"head", "strip", headed, outside}, 4, "--force"},
+        {{"import", outside, "--as", "a"}, 4, "--force"},
+        {{"import", Path("pack/catalog.xml")}, 2, "does not load as a configuration"},
+        {{"save-as", Path("nowhere/b.xml")}, 2, "does not exist; make it first"},
+        {{"--file", Path("nowhere/b.xml"), "tree"}, 2, "does not exist; make it first"},
+        {{"open", glued}, 2, "but " + inside + " does: the shell took out the backslashes"},
+        {{"--file", glued, "tree"}, 2, "the shell took out the backslashes"},
+        {{"--dry-run", "attr", "generate"}, 2, "--dry-run is not supported by attr generate"},
+        // Dry runs say what would happen.
+        {{"--dry-run", "open", inside}, 0, "would save the open configuration, load " + inside},
+        {{"--dry-run", "refresh", inside}, 0, "record \"a\" as the current configuration"},
+        {{"--dry-run", "--force", "new", inside}, 0, "would be kept as " + inside + ".bak"},
+        {{"--dry-run", "--force", "save-as", outside}, 0, "save-as would write"},
+        {{"--dry-run", "import", outside, "--as", "b"}, 0, "import would copy"},
+        {{"--dry-run", "--force", "head", "write", Config()}, 0, "head write would stamp"},
+        {{"--dry-run", "--force", "head", "strip", headed, outside}, 0, "head strip would write"},
+        {{"--dry-run", "apply", "bill", kPipeArg, "2", "031001001"}, 0, "(dry run: nothing saved)"},
+        {{"--dry-run", "--file", Path("fresh.xml"), "tree"}, 0, "给水管"},
+    });
+
+    // Done for real: the import says where the file went and how to make it current, an
+    // overwrite keeps the former content.
+    Result imported = Run({"import", outside, "--as", "b"});
+    EXPECT_EQ(imported.status, 0) << imported.err;
+    EXPECT_TRUE(Has(imported.out, "koqdde open " + Folder() + "b.xml makes it")) << imported.out;
+    EXPECT_EQ(Bytes(Folder() + "b.xml"), Bytes(outside));
+    const std::string before = Bytes(inside);
+    ASSERT_EQ(Run({"--force", "new", inside}).status, 0);
+    EXPECT_EQ(Bytes(inside + ".bak"), before);
+    EXPECT_NE(Bytes(inside), before);
+}
+
+TEST_F(Refusals, ConditionsThatCanNeverMatch) {
+    ASSERT_EQ(Run({"config", "add", kPipeArg}).status, 0);
+    ASSERT_EQ(Run({"condition", "add", kPipeArg, "2", "--attr", "材质", "--eq", "镀锌钢管"}).out,
+              "1\n");
+    // Two conditions on one attribute: the second replaces the first, as in the workbench.
+    Result again = Run({"condition", "add", kPipeArg, "2", "--attr", "材质", "--eq", "铜管"});
+    EXPECT_EQ(again.out, "1\n");
+    EXPECT_TRUE(Has(again.err, "it is replaced")) << again.err;
+    Result unknown =
+        Run({"condition", "add", kPipeArg, "2", "--attr", "颜色", "--eq", "红", "--allow-unknown"});
+    EXPECT_EQ(unknown.out, "2\n") << unknown.err;
+    EXPECT_TRUE(Has(Run({"show", kPipeArg}).out, "config 2: 材质＝铜管;颜色＝红;"));
+
+    const std::vector<std::string> add = {"condition", "add", kPipeArg, "2"};
+    auto with = [&](std::vector<std::string> tail) {
+        std::vector<std::string> args = add;
+        args.insert(args.end(), tail.begin(), tail.end());
+        return args;
+    };
+    ExpectRefused({
+        {with({"--attr", "颜色", "--eq", "红"}), 2, "has no attribute \"颜色\"; it has 材质, "},
+        {with({"--attr", "管径(mm)", "--gt", "100", "--lt", "50"}), 2, "the bounds are swapped"},
+        {with({"--attr", "管径(mm)", "--gt", "10", "--lt", "10.001"}), 2, "narrower than 0.01"},
+        {with({"--attr", "管径(mm)", "--ge", "DN15"}), 2, "\"DN15\" is not a number"},
+        {with({"--strings", "管径(mm)", "0", "", "＞", "＜", "", "", "5cm"}), 2, "not a number"},
+        {with({"--strings", "材质", "1", "=", "", "", "铜管", "", ""}), 2, "use ＝ or ≠"},
+        {with({"--attr", "材质", "--eq", "铜管"}), 1, "condition 1 is this condition already"},
+        {{"condition", "reset", kPipeArg, "2", "2", "--attr", "材质", "--ne", "铜管"},
+         2,
+         "condition 1 already tests 材质"},
+    });
+
+    // A list that takes no typed value, and an attribute that can't be compared, by the
+    // attribute settings.
+    ASSERT_EQ(Run({"attr", "generate"}).status, 0);
+    const std::string settings = "pack/profile/AttrConfig.xml";
+    std::string text = Bytes(Path(settings));
+    for (size_t at = text.find("vartype=\"1\""); at != std::string::npos;
+         at = text.find("vartype=\"1\"", at))
+        text.replace(at, 11, "vartype=\"0\"");
+    dir.Write(FromUtf8(settings), text);
+    ExpectRefused({
+        {with({"--attr", "材质", "--eq", "镀锌钢"}), 2, "takes no typed value"},
+        {with({"--attr", "材质", "--ge", "1"}), 2, "不可比较"},
+    });
+    EXPECT_EQ(Run(with({"--attr", "材质", "--eq", "镀锌钢管"})).status, 0);
+}
+
+TEST_F(Refusals, ItemsThatWouldNotShowOrNotParseAndEditsThatChangeNothing) {
+    ASSERT_EQ(Run({"config", "add", kPipeArg}).status, 0);
+    ASSERT_EQ(Run({"config", "add", kPipeArg}).status, 0);
+    ASSERT_EQ(Run({"qd", "add", kPipeArg, "2", "--number", "031001001001", "--formula", "L"}).out,
+              "1\n");
+    ASSERT_EQ(Run({"de", "add", kPipeArg, "2", "--qd", "1", "--number", "10-1-2"}).out, "1\n");
+    // Without --code the items carry the project's library codes, so the workbench lists them.
+    Result shown = Run({"show", kPipeArg});
+    EXPECT_TRUE(Has(shown.out, "code={6B1E2F40-3C7A-4D19-9E25-0A8F4C61D2B7} formula=L"));
+    EXPECT_TRUE(Has(shown.out, "10-1-2  [, x] code={A3D95C12-7E48-4B06-8F1C-5D2E90B7A4E3}"))
+        << shown.out;
+
+    auto qdAdd = [](std::vector<std::string> fields) {
+        std::vector<std::string> args = {"qd", "add", kPipeArg, "2", "--number"};
+        args.insert(args.end(), fields.begin(), fields.end());
+        return args;
+    };
+    const std::string rule = "encoding rule: 12 digits, a fixed part of 9 and a sequence part of 3";
+    ExpectRefused({
+        {qdAdd({"0310010010"}), 2, rule},
+        {qdAdd({"03100100100A"}), 2, rule},
+        {qdAdd({"031001001002", "--unit-code", "m"}), 2, "--unit-code takes an integer"},
+        {qdAdd({"031001001002", "--annex", "yes"}), 2, "--annex takes 是 or 否"},
+        {qdAdd({"031001001002", "--formula", "L*"}), 2, "公式不完整"},
+        {qdAdd({"031001001001"}), 2, "already has bill number 031001001001 (bill item 1)"},
+        {{"de", "add", kPipeArg, "2", "--qd", "1", "--number", "10-1-3", "--formula", "M"},
+         2,
+         "未知变量 M"},
+        {{"qd", "reset", kPipeArg, "2", "1"}, 2, "give at least one"},
+        {{"qd", "reset", kPipeArg, "2", "1", "--formula", "L"}, 1, "holds these values already"},
+        {{"de", "reset", kPipeArg, "2", "1", "--name", "x"}, 2, "under bill item 1: use --qd 1"},
+        {{"de", "delete", kPipeArg, "2", "1"}, 2, "under bill item 1: use --qd 1"},
+        {{"config", "up", kPipeArg, "2"}, 1, "configuration 2 is already the first"},
+        {{"config", "down", kPipeArg, "3"}, 1, "already the last before the default one"},
+        {{"config", "up", kPipeArg, "1"}, 1, "the default one (其它), which always stays last"},
+    });
+}
