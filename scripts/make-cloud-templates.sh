@@ -18,11 +18,13 @@ quota='{A3D95C12-7E48-4B06-8F1C-5D2E90B7A4E3}'
 
 template() { # name, then the edits as one function
   local name=$1
-  opts=(--data "$work/pack" --config-dir "$work/config" --file "$work/$name.xml")
-  "$build/apps/koqdde" --data "$work/pack" --config-dir "$work/config" new "$work/$name.xml" >/dev/null
+  # new makes files in the configuration folder only.
+  local file="$work/config/自动套配置/$name.xml"
+  opts=(--data "$work/pack" --config-dir "$work/config" --file "$file")
+  "$build/apps/koqdde" --data "$work/pack" --config-dir "$work/config" new "$file" >/dev/null
   "$2"
   mkdir -p "$out"
-  cp "$work/$name.xml" "$out/$name.xml"
+  cp "$file" "$out/$name.xml"
 }
 cli() { "$build/apps/koqdde" "${opts[@]}" "$@" >/dev/null; }
 

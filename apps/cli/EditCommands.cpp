@@ -404,7 +404,9 @@ int De(CliContext& ctx, const std::vector<std::string>& raw) {
 const char* const kQdFields =
     "Fields: --number N (strQdId), --user-number (strQdIdUser), --name,\n"
     "--unit, --unit-code (1 for m, 100 for 100m), --type-id (strtypeid),\n"
-    "--code (bill library code), --formula, --annex (是/否).";
+    "--code (default: the project's bill library), --formula (as the calculator\n"
+    "takes it), --annex (是/否). The number follows the library's encoding rule and is\n"
+    "taken once per configuration. A reset that changes nothing exits 1.";
 
 } // namespace
 
@@ -445,7 +447,11 @@ std::vector<CommandSpec> EditCommands() {
          "CONDITION is --attr NAME with either --eq VALUE / --ne VALUE (value form) or range\n"
          "bounds --gt/--ge LOWER and/or --lt/--le UPPER, or --strings followed by the eight\n"
          "strings: type, equal flag (non-zero: value form), equal operator, range operators 1\n"
-         "and 2, value, ranges 1 and 2. add prints the new condition's id.\n\n"
+         "and 2, value, ranges 1 and 2. add prints the new condition's id; a condition on an\n"
+         "attribute the configuration tests already replaces that one, as in the workbench.\n"
+         "Refused: an attribute the category lacks (--allow-unknown lets it through), a value\n"
+         "outside a list that takes no typed value, a range on an attribute set to 不可比较,\n"
+         "a bound that is no number, bounds swapped or closer than 0.01.\n\n"
          "Examples:\n  koqdde condition add '管道\\给水管' 2 --attr 材质 --eq 镀锌钢管\n"
          "  koqdde condition add '管道\\给水管' 2 --attr '管径(mm)' --gt 50 --le 100\n"
          "  koqdde condition reset '管道\\给水管' 2 1 --attr 材质 --ne PPR\n"
@@ -464,8 +470,8 @@ std::vector<CommandSpec> EditCommands() {
          "add, change or delete quota items",
          "Quota items hang under a bill item (--qd QD-ID, the bill mode) or directly under\n"
          "the configuration (the quota mode). add prints the new id; reset changes only the\n"
-         "fields given. Fields: --number (strDeId), --name, --unit, --unit-code, --code (quota\n"
-         "library code), --formula, --annex.\n\n"
+         "fields given. Fields: --number (strDeId), --name, --unit, --unit-code, --code\n"
+         "(default: the quota library of the project's mode), --formula, --annex (是/否).\n\n"
          "Examples:\n  koqdde de add '管道\\给水管' 2 --qd 1 --number 10-1-12 --name 镀锌钢管安装\n"
          "  koqdde de delete '管道\\给水管' 2 1 --qd 1",
          De},

@@ -248,13 +248,14 @@ std::vector<CommandSpec> ToolCommands() {
          "Examples:\n  koqdde attr generate\n  koqdde attr get '管道\\给水管' 材质\n"
          "  koqdde attr set '管道\\给水管' 材质 --compar 1",
          Attr},
-        {"head", "write FILE | read FILE | strip FILE OUT",
+        {"head", "write FILE [OUT] | read FILE | strip FILE OUT",
          "the binary head of a configuration file",
          "write stamps FILE's root with the project's mode and libraries and puts the binary\n"
-         "head ahead of it (the file then no longer opens as a configuration). read lists the\n"
-         "six records with tag, length and text. strip writes the XML body of a headed FILE to\n"
-         "OUT, so a headed file can be opened again.\n\n"
-         "Examples:\n  koqdde head write /tmp/发布.xml\n  koqdde head read /tmp/发布.xml\n"
+         "head ahead of it, into OUT or in place (the result no longer opens as a\n"
+         "configuration). read lists the six records with tag, length and text. strip writes\n"
+         "the XML body of a headed FILE to OUT, so a headed file can be opened again. A file\n"
+         "that exists is replaced only with --force, and kept as FILE.bak.\n\n"
+         "Examples:\n  koqdde head write 配置.xml /tmp/发布.xml\n  koqdde head read /tmp/发布.xml\n"
          "  koqdde head strip /tmp/发布.xml /tmp/恢复.xml",
          Head},
     };
