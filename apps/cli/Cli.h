@@ -59,6 +59,10 @@ public:
     CliContext& operator=(const CliContext&) = delete;
     const GlobalOptions& Options() const { return m_options; }
     CQdDeConfigPresenter& Presenter();
+    // A command's FILE operand in place of --file, before the presenter is made.
+    void UseFile(const CString& file);
+    // The configuration file the presenter works on: --file or the current configuration.
+    CString File() const;
     bool HasPresenter() const { return m_presenter != nullptr; }
     // The tree held by the presenter's store.
     const Spec& Tree();

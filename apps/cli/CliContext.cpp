@@ -185,6 +185,17 @@ CPath CliContext::ResolveCategory(const CString& text, const SMember** found) {
                      ToUtf8(spec.GetSpecName()) + "\"");
 }
 
+void CliContext::UseFile(const CString& file) {
+    if (m_presenter)
+        throw std::logic_error("UseFile after the presenter was made");
+    m_options.file = file;
+}
+
+CString CliContext::File() const {
+    return m_options.file.IsEmpty() ? CQdDeConfigPresenter::GetCurConfigDetailPath()
+                                    : m_options.file;
+}
+
 int CliContext::ResolveConfig(const CPath& path, const std::string& text) {
     std::vector<ConfigNode*> configs;
     Presenter().GetConfig(path, configs);

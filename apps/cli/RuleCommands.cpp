@@ -1,5 +1,7 @@
 // match: which configuration a component receives, and why, by the one matching rule.
 #include "Cli.h"
+#include "FindingText.h"
+#include "Guards.h"
 #include "Json.h"
 #include "Listing.h"
 #include "Translate.h"
@@ -7,7 +9,13 @@
 #include "host/HostData.h"
 #include "model/ConditionNode.h"
 #include "model/ConfigNode.h"
+#include "model/LMember.h"
+#include "model/SMember.h"
+#include "model/Spec.h"
+#include "platform/FileSystem.h"
+#include "rules/Linter.h"
 #include "rules/Matcher.h"
+#include "store/CAttrConfigStore.h"
 
 namespace {
 
@@ -151,6 +159,95 @@ int MatchCommand(CliContext& ctx, const std::vector<std::string>& raw) {
     return kExitTrue;
 }
 
+// Renumbers the shared condition ids of every configuration of the specialty.
+int RenumberAll(const Spec& spec) {
+    int renumbered = 0;
+    for (const LMember* large : spec.GetAllLMember())
+        for (const SMember* small : large->GetAllSMember())
+            for (ConfigNode* config : small->GetAllConfig())
+                renumbered += RenumberSharedConditionIds(*config);
+    return renumbered;
+}
+
+std::string Place(const Finding& f) {
+    return ToUtf8(f.category) + (f.configId ? " #" + std::to_string(f.position) + " (config " +
+                                                  std::to_string(f.configId) + ")"
+                                            : "");
+}
+
+int Lint(CliContext& ctx, const std::vector<std::string>& raw) {
+    ParsedArgs args = ParseArgs(raw, {}, {"--fix"});
+    if (args.positional.size() > 1)
+        throw UsageError(Tr("lint takes at most one FILE"));
+    if (!args.positional.empty() && !ctx.Options().file.IsEmpty())
+        throw UsageError(Tr("give the file either as FILE or with --file, not both"));
+    if (!args.positional.empty())
+        ctx.UseFile(Arg(args.positional[0]));
+    // A check reads; it never makes the file it was asked about.
+    ExpectExisting(ctx.File());
+    const bool fix = args.flags.count("--fix") > 0;
+    if (fix)
+        ctx.LockForEdit(ctx.File());
+    CQdDeConfigPresenter& presenter = ctx.Presenter();
+    const CString file = presenter.GetData()->GetFilePath();
+
+    int renumbered = 0;
+    if (fix) {
+        renumbered = RenumberAll(ctx.Tree());
+        if (renumbered && !ctx.Options().dryRun && !presenter.Save())
+            throw std::runtime_error(Tr("the renumbered conditions could not be saved"));
+    }
+    AttrConfig record;
+    const LintProject project = HostLintProject(
+        [&](const CString& category, const CString& attribute) -> const AttrConfig* {
+            return presenter.GetAttConfig(category, attribute, record) ? &record : nullptr;
+        });
+    std::vector<Finding> findings = LintSpec(ctx.Tree(), project);
+    if (const FileBytes bytes = ReadRegularFile(file)) {
+        std::vector<Finding> more = LintFileText(bytes.bytes);
+        findings.insert(findings.end(), more.begin(), more.end());
+    }
+    int errors = 0;
+    for (const Finding& f : findings)
+        errors += f.severity == Severity::kError ? 1 : 0;
+
+    if (ctx.Options().json) {
+        Json list = Json::MakeArray();
+        for (const Finding& f : findings) {
+            Json values = Json::MakeArray();
+            for (const std::string& arg : f.args)
+                values.Push(arg);
+            list.Push(Json::MakeObject()
+                          .Set("severity", f.severity == Severity::kError ? "error" : "warning")
+                          .Set("kind", FindingKindName(f.kind))
+                          .Set("category", f.category)
+                          .Set("configId", f.configId)
+                          .Set("position", f.position)
+                          .Set("message", FindingText(f))
+                          .Set("args", std::move(values)));
+        }
+        PrintLine(Json::MakeObject()
+                      .Set("file", file)
+                      .Set("errors", errors)
+                      .Set("warnings", static_cast<int>(findings.size()) - errors)
+                      .Set("renumbered", renumbered)
+                      .Set("saved", renumbered > 0 && !ctx.Options().dryRun)
+                      .Set("findings", std::move(list))
+                      .Dump());
+    } else {
+        for (const Finding& f : findings)
+            PrintLine(SeverityText(f.severity) + ": " + Place(f) + ": " + FindingText(f));
+        if (renumbered)
+            PrintLine(Tr(ctx.Options().dryRun ? "{1} condition(s) would be renumbered (dry run)"
+                                              : "{1} condition(s) renumbered and saved",
+                         {std::to_string(renumbered)}));
+        PrintLine(Tr("{1}: {2} error(s), {3} warning(s)",
+                     {ToUtf8(file), std::to_string(errors),
+                      std::to_string(findings.size() - static_cast<size_t>(errors))}));
+    }
+    return errors ? kExitFalse : kExitTrue;
+}
+
 } // namespace
 
 std::vector<CommandSpec> RuleCommands() {
@@ -164,5 +261,21 @@ std::vector<CommandSpec> RuleCommands() {
                 "empty. Exits 1 when nothing matches (a category without its default).\n\n"
                 "Example:\n  koqdde match '管道\\给水管' 材质=镀锌钢管 '管径(mm)=32'"),
          MatchCommand},
+        {"lint", "[FILE] [--fix]",
+         TrNoop("check a configuration for rules that do not do what "
+                "they seem to"),
+         TrNoop("Reports, with the category, the configuration's place and id and a reason:\n"
+                "configurations that never match because one above catches first, ranges\n"
+                "that are empty, too narrow, conflicting or overlapping, bounds and values\n"
+                "that can't match, conditions on attributes the category lacks, items the\n"
+                "workbench hides or the host can't compute, bill numbers given twice,\n"
+                "conditions sharing an id, a specialty written twice, categories the project\n"
+                "lacks. Exits 1 when there are errors, 0 when only warnings or nothing.\n"
+                "--fix renumbers conditions that share an id, the one repair it makes, and\n"
+                "saves (not under --dry-run). FILE: the file to check (default: --file or the\n"
+                "current configuration).\n\n"
+                "Examples:\n  koqdde lint\n  koqdde --json lint /tmp/模板.xml\n"
+                "  koqdde lint --fix"),
+         Lint},
     };
 }

@@ -61,13 +61,15 @@ const char* Tr(const char* text) {
 }
 
 std::string Tr(const char* text, std::initializer_list<std::string> args) {
-    std::string out = Tr(text);
-    size_t number = 1;
-    for (const std::string& arg : args) {
-        const std::string mark = "{" + std::to_string(number++) + "}";
-        for (size_t at = out.find(mark); at != std::string::npos;
-             at = out.find(mark, at + arg.size()))
-            out.replace(at, mark.size(), arg);
+    return Substitute(Tr(text), std::vector<std::string>(args));
+}
+
+std::string Substitute(std::string text, const std::vector<std::string>& args) {
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string mark = "{" + std::to_string(i + 1) + "}";
+        for (size_t at = text.find(mark); at != std::string::npos;
+             at = text.find(mark, at + args[i].size()))
+            text.replace(at, mark.size(), args[i]);
     }
-    return out;
+    return text;
 }

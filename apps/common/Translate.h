@@ -6,6 +6,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 // Binds the text domain of `program` ("koqdde") to the catalogues beside the executable (an
 // installed tree or the build tree) and takes the language from the environment.
@@ -21,3 +22,5 @@ const char* Tr(const char* text);
 // The translation of `text` with {1}, {2}... replaced by `args`, so that a translation may put
 // them in another order.
 std::string Tr(const char* text, std::initializer_list<std::string> args);
+// `text` with {1}, {2}... replaced by `args`.
+std::string Substitute(std::string text, const std::vector<std::string>& args);
