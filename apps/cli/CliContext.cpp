@@ -154,18 +154,24 @@ struct SpecName {
 
 CPath CliContext::ResolveCategory(const CString& text, const SMember** found) {
     const Spec& spec = Tree();
+    // A large category or a path the shell stripped of its backslashes is the likely mistake;
+    // saying which beats repeating the expected form.
+    auto refuse = [&](const std::string& message) {
+        const std::string hint = CategoryHint(spec, text);
+        throw UsageError(hint.empty() ? message : message + "\n" + hint);
+    };
     std::vector<CString> parts = SplitCategory(text);
     if (parts.size() == 3) {
         if (!Names(SpecName{spec}, parts[0]))
-            throw UsageError("category \"" + ToUtf8(text) +
-                             "\" is not in the current specialty \"" + ToUtf8(spec.GetSpecName()) +
-                             "\"; --spec NAME works on another one");
+            throw UsageError(Tr("category \"{1}\" is not in the current specialty \"{2}\"; "
+                                "--spec NAME works on another one",
+                                {ToUtf8(text), ToUtf8(spec.GetSpecName())}));
         parts.erase(parts.begin());
     }
     if (parts.size() != 2)
-        throw UsageError("category \"" + ToUtf8(text) +
-                         "\" must be written SPECIALTY\\LARGE\\SMALL or LARGE\\SMALL (names or ids "
-                         "as `koqdde tree` prints them)");
+        refuse(Tr("category \"{1}\" must be written SPECIALTY\\LARGE\\SMALL or LARGE\\SMALL "
+                  "(names or ids as `koqdde tree` prints them)",
+                  {ToUtf8(text)}));
     for (LMember* large : spec.GetAllLMember()) {
         if (!Names(*large, parts[0]))
             continue;
@@ -181,8 +187,9 @@ CPath CliContext::ResolveCategory(const CString& text, const SMember** found) {
             return path;
         }
     }
-    throw UsageError("unknown category \"" + ToUtf8(text) + "\" in specialty \"" +
-                     ToUtf8(spec.GetSpecName()) + "\"");
+    refuse(Tr("unknown category \"{1}\" in specialty \"{2}\"",
+              {ToUtf8(text), ToUtf8(spec.GetSpecName())}));
+    return {}; // not reached: refuse throws
 }
 
 void CliContext::UseFile(const CString& file) {

@@ -179,5 +179,10 @@ TEST_F(Refusals, ItemsThatWouldNotShowOrNotParseAndEditsThatChangeNothing) {
         {{"config", "up", kPipeArg, "2"}, 1, "configuration 2 is already the first"},
         {{"config", "down", kPipeArg, "3"}, 1, "already the last before the default one"},
         {{"config", "up", kPipeArg, "1"}, 1, "the default one (其它), which always stays last"},
+        {{"show", "管道"},
+         2,
+         "管道 is a large category; give one of its small categories: '管道\\给水管'"},
+        {{"show", "给排水\\管道"}, 2, "small categories: '管道\\给水管', '管道\\排水管'"},
+        {{"show", "管道给水管"}, 2, "the shell took out the backslashes. Quote the category"},
     });
 }
