@@ -19,10 +19,11 @@ CQdDeConfigPresenter& CliContext::Presenter() {
         const CString recorded = CQdDeConfigPresenter::RecordedCurConfig();
         if (m_options.file.IsEmpty() && !recorded.IsEmpty() &&
             !CQdDeConfigPresenter::IsConfigName(recorded))
-            std::fprintf(stderr,
-                         "koqdde: the project's SysRegedit.ini names \"%s\" as the current "
-                         "configuration, which is no file name; DefaultConfig is used\n",
-                         ToUtf8(recorded).c_str());
+            std::fprintf(stderr, "koqdde: %s\n",
+                         Tr("the project's SysRegedit.ini names \"{1}\" as the current "
+                            "configuration, which is no file name; DefaultConfig is used",
+                            {ToUtf8(recorded)})
+                             .c_str());
         // The store makes a missing file; not in a folder that is missing too, nor where the
         // user meant a file the shell mangled.
         if (!m_options.file.IsEmpty())
@@ -70,16 +71,18 @@ void CliContext::LockForEdit(const CString& file) {
         return;
     case FileLock::Outcome::HeldOpen:
         if (m_options.force) {
-            std::fprintf(stderr, "koqdde: %s is open in the workbench; editing it anyway\n",
-                         ToUtf8(file).c_str());
+            std::fprintf(
+                stderr, "koqdde: %s\n",
+                Tr("{1} is open in the workbench; editing it anyway", {ToUtf8(file)}).c_str());
             return;
         }
-        throw Refusal(ToUtf8(file) +
-                      " is open in the workbench, which writes it back when it closes and would "
-                      "overwrite this edit; close the workbench first, or use --force");
+        throw Refusal(Tr("{1} is open in the workbench, which writes it back when it closes "
+                         "and would overwrite this edit; close the workbench first, or use --force",
+                         {ToUtf8(file)}));
     case FileLock::Outcome::TimedOut:
-        throw Refusal("another edit of " + ToUtf8(file) +
-                      " has held it for 30 seconds; try again when it has finished");
+        throw Refusal(Tr("another edit of {1} has held it for 30 seconds; try again when it "
+                         "has finished",
+                         {ToUtf8(file)}));
     }
 }
 
@@ -88,18 +91,19 @@ void CliContext::CheckLoaded(const CString& file, const std::string& loadError) 
         return;
     std::string reason = loadError;
     if (IsHeadedFile(file))
-        reason = ToUtf8(file) + " starts with a binary head; `koqdde head strip " + ToUtf8(file) +
-                 " OUT` gives the configuration inside it";
+        reason = Tr("{1} starts with a binary head; `koqdde head strip {1} OUT` gives the "
+                    "configuration inside it",
+                    {ToUtf8(file)});
     if (m_editing && m_options.force) {
-        std::fprintf(stderr,
-                     "koqdde: %s\nkoqdde: --force: the save replaces the file with the current "
-                     "specialty alone\n",
-                     reason.c_str());
+        std::fprintf(stderr, "koqdde: %s\nkoqdde: %s\n", reason.c_str(),
+                     Tr("--force: the save replaces the file with the current specialty alone"));
         return;
     }
-    throw Refusal(reason + (m_editing ? "\nthe file was left as it is; --force edits it anyway, "
-                                        "replacing it with the current specialty alone"
-                                      : ""));
+    throw Refusal(reason + (m_editing ? std::string("\n") +
+                                            Tr("the file was left as it is; --force edits it "
+                                               "anyway, replacing it with the current specialty "
+                                               "alone")
+                                      : std::string()));
 }
 
 const Spec& CliContext::Tree() {
@@ -207,20 +211,19 @@ int CliContext::ResolveConfig(const CPath& path, const std::string& text) {
     std::vector<ConfigNode*> configs;
     Presenter().GetConfig(path, configs);
     if (!text.empty() && text[0] == '#') {
-        int position = ParseId(text.substr(1), "a position after #");
+        int position = ParseId(text.substr(1), Tr("a position after #"));
         if (position < 1 || static_cast<size_t>(position) > configs.size())
-            throw UsageError("no configuration " + text + ": the category has " +
-                             std::to_string(configs.size()) + ", #1 to #" +
-                             std::to_string(configs.size()));
+            throw UsageError(Tr("no configuration {1}: the category has {2}, #1 to #{2}",
+                                {text, std::to_string(configs.size())}));
         return configs[static_cast<size_t>(position) - 1]->GetId();
     }
     int id = ParseId(text, "CONFIG-ID");
     for (const ConfigNode* config : configs)
         if (config->GetId() == id)
             return id;
-    throw UsageError("no configuration " + text +
-                     " in this category (`koqdde show` lists them; #N "
-                     "addresses the N-th)");
+    throw UsageError(Tr("no configuration {1} in this category (`koqdde show` lists them; #N "
+                        "addresses the N-th)",
+                        {text}));
 }
 
 void PrintLine(const std::string& text) {
@@ -254,11 +257,11 @@ ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::set<std::s
             else if (i + 1 < args.size())
                 parsed.values[key] = args[++i];
             else
-                throw UsageError(key + " needs a value");
+                throw UsageError(Tr("{1} needs a value", {key}));
         } else if (flags.count(key) && eq == std::string::npos) {
             parsed.flags.insert(key);
         } else if (flags.count(key)) {
-            throw UsageError(key + " takes no value");
+            throw UsageError(Tr("{1} takes no value", {key}));
         } else {
             std::vector<std::string> known(valued.begin(), valued.end());
             known.insert(known.end(), flags.begin(), flags.end());
@@ -275,6 +278,6 @@ int ParseId(const std::string& text, const std::string& what) {
     for (char c : text)
         digits = digits && c >= '0' && c <= '9';
     if (!digits)
-        throw UsageError(what + " must be a number, not \"" + text + "\"");
+        throw UsageError(Tr("{1} must be a number, not \"{2}\"", {what, text}));
     return std::stoi(text);
 }

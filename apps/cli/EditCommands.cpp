@@ -26,7 +26,7 @@ struct Target {
 
 Target Resolve(CliContext& ctx, const ParsedArgs& args, size_t need, const std::string& usage) {
     if (args.positional.size() < need)
-        throw UsageError("usage: " + usage);
+        throw UsageError(Tr("usage: {1}", {usage}));
     Target target;
     target.category = args.positional[1];
     target.path = ctx.ResolveCategory(Arg(target.category));
@@ -39,7 +39,7 @@ Target Resolve(CliContext& ctx, const ParsedArgs& args, size_t need, const std::
 
 void ExpectCount(const ParsedArgs& args, size_t count, const std::string& usage) {
     if (args.positional.size() != count)
-        throw UsageError("usage: " + usage);
+        throw UsageError(Tr("usage: {1}", {usage}));
 }
 
 // An edit the module refuses, or one that would change nothing: exit 1 with the reason after
@@ -80,13 +80,16 @@ int Config(CliContext& ctx, const std::vector<std::string>& raw) {
     }
     const std::string usage = "config " + action + " CATEGORY CONFIG-ID";
     if (action != "copy" && action != "delete" && action != "up" && action != "down")
-        throw UsageError("config takes add, copy, delete, up or down");
+        throw UsageError(Tr("config takes add, copy, delete, up or down"));
     ExpectCount(args, 3, usage);
     Target t = Resolve(ctx, args, 3, usage);
     if ((action == "copy" || action == "delete") && t.config->IfDefault())
-        throw UsageError("configuration " + args.positional[2] +
-                         " is the default one (其它); it can't be " +
-                         (action == "copy" ? "copied" : "deleted"));
+        throw UsageError(
+            action == "copy"
+                ? Tr("configuration {1} is the default one (其它); it can't be copied",
+                     {args.positional[2]})
+                : Tr("configuration {1} is the default one (其它); it can't be deleted",
+                     {args.positional[2]}));
     if (action == "copy") {
         int id = 0;
         bool ok = p.AddConfigByCopy(t.path, id);
@@ -109,38 +112,38 @@ const std::set<std::string> kConditionOptions = {"--attr", "--eq", "--ne", "--gt
 CStringArray BuildConditionArray(const ParsedArgs& args, size_t firstString) {
     if (args.flags.count("--strings")) {
         if (args.positional.size() != firstString + 8)
-            throw UsageError("--strings needs exactly eight strings: type, equal flag, equal "
-                             "operator, range operators 1 and 2, value, ranges 1 and 2");
+            throw UsageError(Tr("--strings needs exactly eight strings: type, equal flag, "
+                                "equal operator, range operators 1 and 2, value, ranges 1 and 2"));
         CStringArray strings;
         for (size_t i = firstString; i < args.positional.size(); ++i)
             strings.Add(Arg(args.positional[i]));
         return strings;
     }
     if (args.positional.size() != firstString)
-        throw UsageError("unexpected argument \"" + args.positional[firstString] + "\"");
+        throw UsageError(Tr("unexpected argument \"{1}\"", {args.positional[firstString]}));
     auto value = [&](const char* option) { return Arg(args.values.at(option)); };
     if (!args.Has("--attr") || args.values.at("--attr").empty())
-        throw UsageError("a condition needs --attr NAME (or --strings and eight strings)");
+        throw UsageError(Tr("a condition needs --attr NAME (or --strings and eight strings)"));
     CString attr = value("--attr");
     bool valueForm = args.Has("--eq") || args.Has("--ne");
     bool rangeForm = args.Has("--gt") || args.Has("--ge") || args.Has("--lt") || args.Has("--le");
     if (valueForm == rangeForm)
-        throw UsageError("give either --eq/--ne VALUE or range bounds (--gt/--ge, --lt/--le)");
+        throw UsageError(Tr("give either --eq/--ne VALUE or range bounds (--gt/--ge, --lt/--le)"));
     if (valueForm) {
         if (args.Has("--eq") && args.Has("--ne"))
-            throw UsageError("--eq and --ne exclude each other");
+            throw UsageError(Tr("--eq and --ne exclude each other"));
         bool eq = args.Has("--eq");
         return {attr, L"1", eq ? kEqual : kNotEqual, L"", L"", value(eq ? "--eq" : "--ne"),
                 L"",  L""};
     }
     if ((args.Has("--gt") && args.Has("--ge")) || (args.Has("--lt") && args.Has("--le")))
-        throw UsageError("one operator per bound: --gt or --ge, --lt or --le");
+        throw UsageError(Tr("one operator per bound: --gt or --ge, --lt or --le"));
     CString op1 = args.Has("--gt") ? kAbove : (args.Has("--ge") ? kAtLeast : L"");
     CString op2 = args.Has("--lt") ? kBelow : (args.Has("--le") ? kAtMost : L"");
     CString lower = args.Has("--gt") ? value("--gt") : (args.Has("--ge") ? value("--ge") : L"");
     CString upper = args.Has("--lt") ? value("--lt") : (args.Has("--le") ? value("--le") : L"");
     if (lower.IsEmpty() && upper.IsEmpty())
-        throw UsageError("a range needs at least one non-empty bound");
+        throw UsageError(Tr("a range needs at least one non-empty bound"));
     return {attr, L"0", L"", op1, op2, L"", lower, upper};
 }
 
@@ -179,14 +182,14 @@ int Condition(CliContext& ctx, const std::vector<std::string>& raw) {
         return FinishEdit(ctx, ok, t.category, ok ? t.config->GetLastConditionId() : 0);
     }
     if (action != "reset" && action != "delete")
-        throw UsageError("condition takes add, reset or delete");
+        throw UsageError(Tr("condition takes add, reset or delete"));
     const std::string usage = "condition " + action + " CATEGORY CONFIG-ID CONDITION-ID" +
                               (action == "reset" ? " CONDITION" : "");
     Target t = Resolve(ctx, args, 4, usage);
     t.path.ConditionId = ParseId(args.positional[3], "CONDITION-ID");
     if (!HasCondition(*t.config, t.path.ConditionId))
-        throw UsageError("no condition " + args.positional[3] + " in configuration " +
-                         args.positional[2]);
+        throw UsageError(
+            Tr("no condition {1} in configuration {2}", {args.positional[3], args.positional[2]}));
     if (action == "reset") {
         CStringArray strings = BuildConditionArray(args, 4);
         CheckCondition(ctx, t.path, strings, allowUnknown);
@@ -248,13 +251,13 @@ std::set<int> Ids(const ParsedArgs& args, size_t first, const std::string& what,
                   const std::function<bool(int)>& exists,
                   const std::function<std::string(int)>& where = {}) {
     if (args.positional.size() <= first)
-        throw UsageError("give at least one " + what);
+        throw UsageError(Tr("give at least one {1}", {what}));
     std::set<int> ids;
     for (size_t i = first; i < args.positional.size(); ++i) {
         int id = ParseId(args.positional[i], what);
         if (!exists(id)) {
             const std::string hint = where ? where(id) : std::string();
-            throw UsageError("no " + what + " " + args.positional[i] +
+            throw UsageError(Tr("no {1} {2}", {what, args.positional[i]}) +
                              (hint.empty() ? "" : "; " + hint));
         }
         ids.insert(id);
@@ -302,7 +305,7 @@ int Qd(CliContext& ctx, const std::vector<std::string>& raw) {
         Target t = Resolve(ctx, args, 3, usage);
         ExpectCount(args, 3, usage);
         if (!args.Has("--number") || args.values.at("--number").empty())
-            throw UsageError("a bill item needs --number");
+            throw UsageError(Tr("a bill item needs --number"));
         QdStruct qd = ApplyQd(args, QdStruct());
         // The workbench's grid shows the bills of the project's bill library only.
         if (!args.Has("--code"))
@@ -319,7 +322,7 @@ int Qd(CliContext& ctx, const std::vector<std::string>& raw) {
         t.path.QdId = ParseId(args.positional[3], "QD-ID");
         QdNode* qd = t.config->GetQd(t.path.QdId);
         if (!qd)
-            throw UsageError("no bill item " + args.positional[3]);
+            throw UsageError(Tr("no bill item {1}", {args.positional[3]}));
         ExpectFields(args, "qd reset");
         CheckItemFields(ctx, t.path, args);
         const QdStruct record = ApplyQd(args, qd->m_qd);
@@ -332,12 +335,12 @@ int Qd(CliContext& ctx, const std::vector<std::string>& raw) {
     }
     if (action == "delete") {
         if (!args.values.empty())
-            throw UsageError("qd delete takes no field options");
+            throw UsageError(Tr("qd delete takes no field options"));
         Target t = Resolve(ctx, args, 4, "qd delete CATEGORY CONFIG-ID QD-ID...");
         std::set<int> ids = Ids(args, 3, "QD-ID", [&](int id) { return t.config->GetQd(id); });
         return FinishEdit(ctx, p.DelQd(t.path, ids), t.category);
     }
-    throw UsageError("qd takes add, reset or delete");
+    throw UsageError(Tr("qd takes add, reset or delete"));
 }
 
 int De(CliContext& ctx, const std::vector<std::string>& raw) {
@@ -346,7 +349,7 @@ int De(CliContext& ctx, const std::vector<std::string>& raw) {
     CQdDeConfigPresenter& p = ctx.Presenter();
     std::vector<ConfigNode*> configs;
     if (action != "add" && action != "reset" && action != "delete")
-        throw UsageError("de takes add, reset or delete");
+        throw UsageError(Tr("de takes add, reset or delete"));
     const std::string usage = "de " + action + " CATEGORY CONFIG-ID" +
                               (action == "add" ? "" : " DE-ID") + " [--qd QD-ID]";
     Target t = Resolve(ctx, args, action == "add" ? 3 : 4, usage);
@@ -355,14 +358,14 @@ int De(CliContext& ctx, const std::vector<std::string>& raw) {
         t.path.QdId = ParseId(args.values.at("--qd"), "QD-ID");
         qd = t.config->GetQd(t.path.QdId);
         if (!qd)
-            throw UsageError("no bill item " + args.values.at("--qd"));
+            throw UsageError(Tr("no bill item {1}", {args.values.at("--qd")}));
     }
     auto find = [&](int id) -> DeNode* { return qd ? qd->GetDe(id) : t.config->GetDe(id); };
     if (action == "add") {
         ExpectCount(args, 3, usage);
         DeStruct de = ApplyDe(args, DeStruct());
         if (de.strDeId.IsEmpty())
-            throw UsageError("a quota item needs --number");
+            throw UsageError(Tr("a quota item needs --number"));
         // The workbench's grid shows the quotas of the mode's quota library only.
         CAtt att;
         if (!args.Has("--code"))
@@ -379,7 +382,7 @@ int De(CliContext& ctx, const std::vector<std::string>& raw) {
         DeNode* de = find(t.path.DeId);
         if (!de) {
             const std::string hint = WhereQuotaIs(*t.config, qd, t.path.DeId);
-            throw UsageError("no quota item " + args.positional[3] +
+            throw UsageError(Tr("no quota item {1}", {args.positional[3]}) +
                              (hint.empty() ? "" : "; " + hint));
         }
         ExpectFields(args, "de reset");
@@ -393,20 +396,13 @@ int De(CliContext& ctx, const std::vector<std::string>& raw) {
     }
     for (const auto& [option, value] : args.values)
         if (option != "--qd")
-            throw UsageError("de delete takes no field options");
+            throw UsageError(Tr("de delete takes no field options"));
     std::set<int> ids = Ids(
         args, 3, "DE-ID", [&](int id) { return find(id) != nullptr; },
         [&](int id) { return WhereQuotaIs(*t.config, qd, id); });
     bool ok = qd ? p.DelDeInQdNode(t.path, {{t.path.QdId, ids}}) : p.DelDeInConfigNode(t.path, ids);
     return FinishEdit(ctx, ok, t.category);
 }
-
-const char* const kQdFields =
-    "Fields: --number N (strQdId), --user-number (strQdIdUser), --name,\n"
-    "--unit, --unit-code (1 for m, 100 for 100m), --type-id (strtypeid),\n"
-    "--code (default: the project's bill library), --formula (as the calculator\n"
-    "takes it), --annex (是/否). The number follows the library's encoding rule and is\n"
-    "taken once per configuration. A reset that changes nothing exits 1.";
 
 } // namespace
 
@@ -422,9 +418,9 @@ int FinishEdit(CliContext& ctx, bool ok, const std::string& category, int newId)
         if (newId)
             PrintLine(std::to_string(newId));
         if (!ok)
-            std::fputs("koqdde: the operation was refused; nothing changed\n", stderr);
+            std::fprintf(stderr, "koqdde: %s\n", Tr("the operation was refused; nothing changed"));
         if (ctx.Options().dryRun) {
-            PrintLine("(dry run: nothing saved)");
+            PrintLine(Tr("(dry run: nothing saved)"));
             PrintCategory(ctx, category);
         }
     }
@@ -434,46 +430,56 @@ int FinishEdit(CliContext& ctx, bool ok, const std::string& category, int newId)
 std::vector<CommandSpec> EditCommands() {
     return {
         {"config", "add|copy|delete|up|down CATEGORY [CONFIG-ID]",
-         "add, copy, delete or move a configuration",
-         "add makes an empty configuration in front of the default one (其它) and prints its\n"
-         "id; copy does the same with a copy of CONFIG-ID. up and down move a configuration\n"
-         "one place; nothing passes the default, and a refused move exits 1. The default\n"
-         "configuration can't be copied or deleted.\n\n"
-         "Examples:\n  koqdde config add '给排水\\管道\\给水管'\n"
-         "  koqdde config up '管道\\给水管' 3\n  koqdde --dry-run config delete '管道\\给水管' 2",
+         TrNoop("add, copy, delete or move a configuration"),
+         TrNoop(
+             "add makes an empty configuration in front of the default one (其它) and prints its\n"
+             "id; copy does the same with a copy of CONFIG-ID. up and down move a configuration\n"
+             "one place; nothing passes the default, and a refused move exits 1. The default\n"
+             "configuration can't be copied or deleted.\n\n"
+             "Examples:\n  koqdde config add '给排水\\管道\\给水管'\n"
+             "  koqdde config up '管道\\给水管' 3\n  koqdde --dry-run config delete '管道\\给水管' "
+             "2"),
          Config},
         {"condition", "add|reset|delete CATEGORY CONFIG-ID [CONDITION-ID] CONDITION",
-         "add, replace or delete a condition",
-         "CONDITION is --attr NAME with either --eq VALUE / --ne VALUE (value form) or range\n"
-         "bounds --gt/--ge LOWER and/or --lt/--le UPPER, or --strings followed by the eight\n"
-         "strings: type, equal flag (non-zero: value form), equal operator, range operators 1\n"
-         "and 2, value, ranges 1 and 2. add prints the new condition's id; a condition on an\n"
-         "attribute the configuration tests already replaces that one, as in the workbench.\n"
-         "Refused: an attribute the category lacks (--allow-unknown lets it through), a value\n"
-         "outside a list that takes no typed value, a range on an attribute set to 不可比较,\n"
-         "a bound that is no number, bounds swapped or closer than 0.01.\n\n"
-         "Examples:\n  koqdde condition add '管道\\给水管' 2 --attr 材质 --eq 镀锌钢管\n"
-         "  koqdde condition add '管道\\给水管' 2 --attr '管径(mm)' --gt 50 --le 100\n"
-         "  koqdde condition reset '管道\\给水管' 2 1 --attr 材质 --ne PPR\n"
-         "  koqdde condition delete '管道\\给水管' 2 1",
+         TrNoop("add, replace or delete a condition"),
+         TrNoop(
+             "CONDITION is --attr NAME with either --eq VALUE / --ne VALUE (value form) or range\n"
+             "bounds --gt/--ge LOWER and/or --lt/--le UPPER, or --strings followed by the eight\n"
+             "strings: type, equal flag (non-zero: value form), equal operator, range operators 1\n"
+             "and 2, value, ranges 1 and 2. add prints the new condition's id; a condition on an\n"
+             "attribute the configuration tests already replaces that one, as in the workbench.\n"
+             "Refused: an attribute the category lacks (--allow-unknown lets it through), a value\n"
+             "outside a list that takes no typed value, a range on an attribute set to 不可比较,\n"
+             "a bound that is no number, bounds swapped or closer than 0.01.\n\n"
+             "Examples:\n  koqdde condition add '管道\\给水管' 2 --attr 材质 --eq 镀锌钢管\n"
+             "  koqdde condition add '管道\\给水管' 2 --attr '管径(mm)' --gt 50 --le 100\n"
+             "  koqdde condition reset '管道\\给水管' 2 1 --attr 材质 --ne PPR\n"
+             "  koqdde condition delete '管道\\给水管' 2 1"),
          Condition},
         {"qd", "add|reset|delete CATEGORY CONFIG-ID [QD-ID...] [fields]",
-         "add, change or delete bill items",
-         std::string("add prints the new bill item's id; reset changes only the fields given;\n"
-                     "delete takes one or more ids.\n") +
-             kQdFields +
+         TrNoop("add, change or delete bill items"),
+         TrNoop(
+             "add prints the new bill item's id; reset changes only the fields given;\n"
+             "delete takes one or more ids.\n"
+             "Fields: --number N (strQdId), --user-number (strQdIdUser), --name,\n"
+             "--unit, --unit-code (1 for m, 100 for 100m), --type-id (strtypeid),\n"
+             "--code (default: the project's bill library), --formula (as the calculator\n"
+             "takes it), --annex (是/否). The number follows the library's encoding rule and is\n"
+             "taken once per configuration. A reset that changes nothing exits 1."
              "\n\nExamples:\n  koqdde qd add '管道\\给水管' 2 --number 031001001001 --name "
              "镀锌钢管 --unit m --unit-code 1\n  koqdde qd reset '管道\\给水管' 2 1 --formula L\n"
-             "  koqdde qd delete '管道\\给水管' 2 1 3",
+             "  koqdde qd delete '管道\\给水管' 2 1 3"),
          Qd},
         {"de", "add|reset|delete CATEGORY CONFIG-ID [DE-ID...] [--qd QD-ID] [fields]",
-         "add, change or delete quota items",
-         "Quota items hang under a bill item (--qd QD-ID, the bill mode) or directly under\n"
-         "the configuration (the quota mode). add prints the new id; reset changes only the\n"
-         "fields given. Fields: --number (strDeId), --name, --unit, --unit-code, --code\n"
-         "(default: the quota library of the project's mode), --formula, --annex (是/否).\n\n"
-         "Examples:\n  koqdde de add '管道\\给水管' 2 --qd 1 --number 10-1-12 --name 镀锌钢管安装\n"
-         "  koqdde de delete '管道\\给水管' 2 1 --qd 1",
+         TrNoop("add, change or delete quota items"),
+         TrNoop(
+             "Quota items hang under a bill item (--qd QD-ID, the bill mode) or directly under\n"
+             "the configuration (the quota mode). add prints the new id; reset changes only the\n"
+             "fields given. Fields: --number (strDeId), --name, --unit, --unit-code, --code\n"
+             "(default: the quota library of the project's mode), --formula, --annex (是/否).\n\n"
+             "Examples:\n  koqdde de add '管道\\给水管' 2 --qd 1 --number 10-1-12 --name "
+             "镀锌钢管安装\n"
+             "  koqdde de delete '管道\\给水管' 2 1 --qd 1"),
          De},
     };
 }

@@ -25,7 +25,7 @@ int Report(CliContext& ctx, bool ok, const CString& file) {
 CString OneFile(const std::vector<std::string>& raw, const char* command) {
     std::vector<std::string> args = ParseArgs(raw, {}).positional;
     if (args.size() != 1 || args[0].empty())
-        throw UsageError(std::string(command) + " takes one FILE");
+        throw UsageError(Tr("{1} takes one FILE", {command}));
     return Arg(args[0]);
 }
 
@@ -33,10 +33,10 @@ CString OneFile(const std::vector<std::string>& raw, const char* command) {
 void ExpectConfigName(const CString& name) {
     // An empty name is recorded as none, which means the default: the store allows that.
     if (!name.IsEmpty() && !CQdDeConfigPresenter::IsConfigName(name))
-        throw UsageError("\"" + ToUtf8(name) + "\" can't be recorded as the current " +
-                         "configuration: a name has at most " +
-                         std::to_string(CQdDeConfigPresenter::kMaxConfigNameLength) +
-                         " characters and no control characters");
+        throw UsageError(
+            Tr("\"{1}\" can't be recorded as the current configuration: a name "
+               "has at most {2} characters and no control characters",
+               {ToUtf8(name), std::to_string(CQdDeConfigPresenter::kMaxConfigNameLength)}));
 }
 
 bool InConfigFolder(const CString& file) {
@@ -157,7 +157,7 @@ int Refresh(CliContext& ctx, const std::vector<std::string>& args) {
 int Import(CliContext& ctx, const std::vector<std::string>& raw) {
     ParsedArgs args = ParseArgs(raw, {"--as"});
     if (args.positional.size() != 1 || args.positional[0].empty())
-        throw UsageError("usage: import FILE [--as NAME]");
+        throw UsageError(Tr("usage: {1}", {"import FILE [--as NAME]"}));
     const CString file = Arg(args.positional[0]);
     ExpectExisting(file);
     if (const std::string why = ConfigLoadError(file); !why.empty())
@@ -201,36 +201,44 @@ int Import(CliContext& ctx, const std::vector<std::string>& raw) {
 
 std::vector<CommandSpec> FileCommands() {
     return {
-        {"open", "FILE", "open FILE and make it the current configuration",
-         "Saves the open configuration first when FILE is another file, then loads FILE and\n"
-         "records its name as the project's current configuration. FILE must be in the\n"
-         "configuration folder, where the current configuration is always read from\n"
-         "(koqdde import copies a file there).\n\n"
-         "Example:\n  koqdde open ~/.local/share/koqdde/sample/profile/自动套配置/公司模板.xml",
+        {"open", "FILE", TrNoop("open FILE and make it the current configuration"),
+         TrNoop(
+             "Saves the open configuration first when FILE is another file, then loads FILE and\n"
+             "records its name as the project's current configuration. FILE must be in the\n"
+             "configuration folder, where the current configuration is always read from\n"
+             "(koqdde import copies a file there).\n\n"
+             "Example:\n  koqdde open "
+             "~/.local/share/koqdde/sample/profile/自动套配置/公司模板.xml"),
          Open},
-        {"new", "FILE", "make FILE from the template and open it",
-         "Copies the template \"QdDeConfig.def\" of the configuration folder to FILE, opens it\n"
-         "and records it as current. FILE must be in the configuration folder; an existing\n"
-         "FILE is replaced only with --force, and its content kept as FILE.bak.\n\n"
-         "Example:\n  koqdde new \"$(dirname \"$(koqdde current | tail -1)\")/新配置.xml\"",
+        {"new", "FILE", TrNoop("make FILE from the template and open it"),
+         TrNoop("Copies the template \"QdDeConfig.def\" of the configuration folder to FILE, opens "
+                "it\n"
+                "and records it as current. FILE must be in the configuration folder; an existing\n"
+                "FILE is replaced only with --force, and its content kept as FILE.bak.\n\n"
+                "Example:\n  koqdde new \"$(dirname \"$(koqdde current | tail -1)\")/新配置.xml\""),
          New},
-        {"save-as", "FILE", "save the open configuration also as FILE",
-         "Copies the open file to FILE and writes the current specialty into it. The open file\n"
-         "and the current configuration stay as they were. An existing FILE is replaced only\n"
-         "with --force, and its content kept as FILE.bak.\n\n"
-         "Example:\n  koqdde save-as /tmp/备份.xml",
+        {"save-as", "FILE", TrNoop("save the open configuration also as FILE"),
+         TrNoop(
+             "Copies the open file to FILE and writes the current specialty into it. The open "
+             "file\n"
+             "and the current configuration stay as they were. An existing FILE is replaced only\n"
+             "with --force, and its content kept as FILE.bak.\n\n"
+             "Example:\n  koqdde save-as /tmp/备份.xml"),
          SaveAs},
-        {"refresh", "FILE", "make FILE the current configuration, reporting a mismatch",
-         "As open, for the current configuration; prints \"文件功能不匹配\" and exits 1 when FILE\n"
-         "can't be loaded. FILE must be in the configuration folder.\n\n"
-         "Example:\n  koqdde refresh \"$(koqdde current | tail -1)\"",
+        {"refresh", "FILE", TrNoop("make FILE the current configuration, reporting a mismatch"),
+         TrNoop("As open, for the current configuration; prints \"文件功能不匹配\" and exits 1 "
+                "when FILE\n"
+                "can't be loaded. FILE must be in the configuration folder.\n\n"
+                "Example:\n  koqdde refresh \"$(koqdde current | tail -1)\""),
          Refresh},
-        {"import", "FILE [--as NAME]", "copy FILE into the configuration folder",
-         "Copies a file that loads as a configuration into the configuration folder as\n"
-         "NAME.xml (default: FILE's own name), so that open can make it current. An existing\n"
-         "configuration of that name is replaced only with --force, and kept as NAME.xml.bak.\n\n"
-         "Examples:\n  koqdde import ~/configs/公司模板.xml\n"
-         "  koqdde import /tmp/a.xml --as 公司模板",
+        {"import", "FILE [--as NAME]", TrNoop("copy FILE into the configuration folder"),
+         TrNoop(
+             "Copies a file that loads as a configuration into the configuration folder as\n"
+             "NAME.xml (default: FILE's own name), so that open can make it current. An existing\n"
+             "configuration of that name is replaced only with --force, and kept as "
+             "NAME.xml.bak.\n\n"
+             "Examples:\n  koqdde import ~/configs/公司模板.xml\n"
+             "  koqdde import /tmp/a.xml --as 公司模板"),
          Import},
     };
 }

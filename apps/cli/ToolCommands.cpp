@@ -40,7 +40,7 @@ void PrintRecord(CliContext& ctx, const std::string& key, const AttrConfig& r) {
 int ParseSetting(const std::string& text, const std::string& option, int max) {
     int value = ParseId(text, option);
     if (value > max)
-        throw UsageError(option + " must be 0 to " + std::to_string(max));
+        throw UsageError(Tr("{1} must be 0 to {2}", {option, std::to_string(max)}));
     return value;
 }
 
@@ -49,7 +49,7 @@ int Attr(CliContext& ctx, const std::vector<std::string>& raw) {
     std::string action = args.positional.empty() ? "" : args.positional[0];
     if (action == "generate") {
         if (args.positional.size() != 1 || !args.values.empty())
-            throw UsageError("usage: attr generate");
+            throw UsageError(Tr("usage: {1}", {"attr generate"}));
         RefuseDryRun(ctx, "attr generate",
                      Tr("it writes AttrConfig.xml at once; try it on a copy of the configuration "
                         "folder (--config-dir DIR)"));
@@ -60,7 +60,8 @@ int Attr(CliContext& ctx, const std::vector<std::string>& raw) {
         } catch (const ComError&) {
             if (generator.LastError().empty())
                 throw;
-            throw UsageError("cannot generate the attribute settings: " + generator.LastError());
+            throw UsageError(
+                Tr("cannot generate the attribute settings: {1}", {generator.LastError()}));
         }
         CString file = JoinPath(QvKoSettings::GetAppProfile().GetConfigPath(), L"AttrConfig.xml");
         if (ctx.Options().json)
@@ -70,26 +71,27 @@ int Attr(CliContext& ctx, const std::vector<std::string>& raw) {
         return kExitTrue;
     }
     if (action != "get" && action != "set")
-        throw UsageError("attr takes generate, get or set");
+        throw UsageError(Tr("attr takes generate, get or set"));
     if (args.positional.size() != 3)
-        throw UsageError("usage: attr " + action + " CATEGORY ATTRIBUTE");
+        throw UsageError(Tr("usage: {1}", {"attr " + action + " CATEGORY ATTRIBUTE"}));
     if (action == "get" && !args.values.empty())
-        throw UsageError("attr get takes no options");
+        throw UsageError(Tr("attr get takes no options"));
     if (const std::string& why = ctx.Presenter().AttConfigError(); !why.empty())
-        throw UsageError("cannot use the attribute settings: " + why);
+        throw UsageError(Tr("cannot use the attribute settings: {1}", {why}));
     CString first = ctx.SmallCategoryPath(ctx.ResolveCategory(Arg(args.positional[1])));
     CString second = Arg(args.positional[2]);
     std::string key = ToUtf8(first + second);
     CQdDeConfigPresenter& p = ctx.Presenter();
     AttrConfig record;
     if (!p.GetAttConfig(first, second, record)) {
-        std::fprintf(stderr, "koqdde: no attribute setting for \"%s\" (attr generate makes them)\n",
-                     key.c_str());
+        std::fprintf(
+            stderr, "koqdde: %s\n",
+            Tr("no attribute setting for \"{1}\" (attr generate makes them)", {key}).c_str());
         return kExitFalse;
     }
     if (action == "set") {
         if (args.values.empty())
-            throw UsageError("attr set needs --vartype, --compar or --specrelation");
+            throw UsageError(Tr("attr set needs --vartype, --compar or --specrelation"));
         if (args.Has("--vartype"))
             record.vartype = ParseSetting(args.values.at("--vartype"), "--vartype", 2);
         if (args.Has("--compar"))
@@ -128,21 +130,22 @@ std::string ReadOrFail(const std::string& file) {
     ExpectExisting(Arg(file));
     std::optional<std::string> bytes = ReadFileBytes(Arg(file));
     if (!bytes)
-        throw UsageError("cannot read \"" + file + "\"");
+        throw UsageError(Tr("cannot read \"{1}\"", {file}));
     return *bytes;
 }
 
 // head write FILE [OUT]: stamps FILE and puts the head ahead of it, in place or into OUT.
 int HeadWrite(CliContext& ctx, const ParsedArgs& args) {
     if (args.positional.size() != 2 && args.positional.size() != 3)
-        throw UsageError("usage: head write FILE [OUT]");
+        throw UsageError(Tr("usage: {1}", {"head write FILE [OUT]"}));
     const std::string& file = args.positional[1];
     const std::string& target = args.positional.back();
     const std::string before = ReadOrFail(file);
     ExpectFolderOf(Arg(target), "OUT");
     // Only a configuration has the root the stamp goes on; a headed file has none.
     if (!ConfigLoadError(Arg(file)).empty()) {
-        std::fputs("koqdde: no configuration root in the file; nothing written\n", stderr);
+        std::fprintf(stderr, "koqdde: %s\n",
+                     Tr("no configuration root in the file; nothing written"));
         if (ctx.Options().json)
             PrintLine(Json::MakeObject().Set("ok", false).Set("file", target).Dump());
         return kExitFalse;
@@ -158,11 +161,12 @@ int HeadWrite(CliContext& ctx, const ParsedArgs& args) {
     if (replaces)
         KeepBackup(Arg(target));
     if (target != file && !WriteFileAtomically(Arg(target), before))
-        throw UsageError("cannot write \"" + target + "\"");
+        throw UsageError(Tr("cannot write \"{1}\"", {target}));
     CAutoQdDeConfigFacade::WriteHead(Arg(target));
     const bool headed = ReadOrFail(target) != before;
     if (!headed)
-        std::fputs("koqdde: no configuration root in the file; nothing written\n", stderr);
+        std::fprintf(stderr, "koqdde: %s\n",
+                     Tr("no configuration root in the file; nothing written"));
     if (ctx.Options().json)
         PrintLine(Json::MakeObject().Set("ok", headed).Set("file", target).Dump());
     return headed ? kExitTrue : kExitFalse;
@@ -175,7 +179,7 @@ int Head(CliContext& ctx, const std::vector<std::string>& raw) {
         return HeadWrite(ctx, args);
     if (action == "read") {
         if (args.positional.size() != 2)
-            throw UsageError("usage: head read FILE");
+            throw UsageError(Tr("usage: {1}", {"head read FILE"}));
         std::vector<FileHeadRecord> records;
         std::string error;
         if (!ReadFileHead(ReadOrFail(args.positional[1]), records, error)) {
@@ -205,7 +209,7 @@ int Head(CliContext& ctx, const std::vector<std::string>& raw) {
     }
     if (action == "strip") {
         if (args.positional.size() != 3)
-            throw UsageError("usage: head strip FILE OUT");
+            throw UsageError(Tr("usage: {1}", {"head strip FILE OUT"}));
         std::string body;
         std::string error;
         if (!ExtractHeadBody(ReadOrFail(args.positional[1]), body, error)) {
@@ -225,12 +229,12 @@ int Head(CliContext& ctx, const std::vector<std::string>& raw) {
         if (replaces)
             KeepBackup(out);
         if (!WriteFileAtomically(out, body))
-            throw UsageError("cannot write \"" + args.positional[2] + "\"");
+            throw UsageError(Tr("cannot write \"{1}\"", {args.positional[2]}));
         if (ctx.Options().json)
             PrintLine(Json::MakeObject().Set("ok", true).Set("file", args.positional[2]).Dump());
         return kExitTrue;
     }
-    throw UsageError("head takes write, read or strip");
+    throw UsageError(Tr("head takes write, read or strip"));
 }
 
 } // namespace
@@ -238,25 +242,29 @@ int Head(CliContext& ctx, const std::vector<std::string>& raw) {
 std::vector<CommandSpec> ToolCommands() {
     return {
         {"attr", "generate | get CATEGORY ATTRIBUTE | set CATEGORY ATTRIBUTE [settings]",
-         "attribute settings (AttrConfig.xml)",
-         "generate builds AttrConfig.xml in the configuration folder from the project's\n"
-         "categories and AttributeInformation.xml. get prints one attribute's record of the\n"
-         "current specialty. set changes --vartype (0 drop-down, 1 drop-down or typed, 2 typed),\n"
-         "--compar (1 comparable) or --specrelation (0 depends on the material) for the rest\n"
-         "of this process only: the store keeps such changes in memory and never writes them,\n"
-         "so set just shows the record as it would be.\n\n"
-         "Examples:\n  koqdde attr generate\n  koqdde attr get '管道\\给水管' 材质\n"
-         "  koqdde attr set '管道\\给水管' 材质 --compar 1",
+         TrNoop("attribute settings (AttrConfig.xml)"),
+         TrNoop(
+             "generate builds AttrConfig.xml in the configuration folder from the project's\n"
+             "categories and AttributeInformation.xml. get prints one attribute's record of the\n"
+             "current specialty. set changes --vartype (0 drop-down, 1 drop-down or typed, 2 "
+             "typed),\n"
+             "--compar (1 comparable) or --specrelation (0 depends on the material) for the rest\n"
+             "of this process only: the store keeps such changes in memory and never writes them,\n"
+             "so set just shows the record as it would be.\n\n"
+             "Examples:\n  koqdde attr generate\n  koqdde attr get '管道\\给水管' 材质\n"
+             "  koqdde attr set '管道\\给水管' 材质 --compar 1"),
          Attr},
         {"head", "write FILE [OUT] | read FILE | strip FILE OUT",
-         "the binary head of a configuration file",
-         "write stamps FILE's root with the project's mode and libraries and puts the binary\n"
-         "head ahead of it, into OUT or in place (the result no longer opens as a\n"
-         "configuration). read lists the six records with tag, length and text. strip writes\n"
-         "the XML body of a headed FILE to OUT, so a headed file can be opened again. A file\n"
-         "that exists is replaced only with --force, and kept as FILE.bak.\n\n"
-         "Examples:\n  koqdde head write 配置.xml /tmp/发布.xml\n  koqdde head read /tmp/发布.xml\n"
-         "  koqdde head strip /tmp/发布.xml /tmp/恢复.xml",
+         TrNoop("the binary head of a configuration file"),
+         TrNoop(
+             "write stamps FILE's root with the project's mode and libraries and puts the binary\n"
+             "head ahead of it, into OUT or in place (the result no longer opens as a\n"
+             "configuration). read lists the six records with tag, length and text. strip writes\n"
+             "the XML body of a headed FILE to OUT, so a headed file can be opened again. A file\n"
+             "that exists is replaced only with --force, and kept as FILE.bak.\n\n"
+             "Examples:\n  koqdde head write 配置.xml /tmp/发布.xml\n  koqdde head read "
+             "/tmp/发布.xml\n"
+             "  koqdde head strip /tmp/发布.xml /tmp/恢复.xml"),
          Head},
     };
 }
