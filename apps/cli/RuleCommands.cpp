@@ -238,9 +238,10 @@ int Lint(CliContext& ctx, const std::vector<std::string>& raw) {
         for (const Finding& f : findings)
             PrintLine(SeverityText(f.severity) + ": " + Place(f) + ": " + FindingText(f));
         if (renumbered)
-            PrintLine(Tr(ctx.Options().dryRun ? "{1} condition(s) would be renumbered (dry run)"
-                                              : "{1} condition(s) renumbered and saved",
-                         {std::to_string(renumbered)}));
+            PrintLine(ctx.Options().dryRun ? Tr("{1} condition(s) would be renumbered (dry run)",
+                                                {std::to_string(renumbered)})
+                                           : Tr("{1} condition(s) renumbered and saved",
+                                                {std::to_string(renumbered)}));
         PrintLine(Tr("{1}: {2} error(s), {3} warning(s)",
                      {ToUtf8(file), std::to_string(errors),
                       std::to_string(findings.size() - static_cast<size_t>(errors))}));
