@@ -9,7 +9,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   qt6-base-dev fonts-noto-cjk fonts-dejavu-core
   xvfb xauth
-  zsh fish
+  zsh fish gettext
   clang libclang-rt-dev
 )
 

@@ -90,9 +90,12 @@ void PrintGlobalHelp(std::FILE* out) {
 }
 
 void PrintCommandHelp(const CommandSpec& command) {
+    // The summary is a phrase; the help shows it as a sentence of its language.
+    const std::string summary = Tr(command.summary.c_str());
+    const bool ascii = !summary.empty() && static_cast<unsigned char>(summary.back()) < 0x80;
     std::string text = Tr("usage: koqdde [GLOBAL OPTIONS] ") + command.name +
-                       (command.usage.empty() ? "" : " " + command.usage) + "\n\n" +
-                       Tr(command.summary.c_str()) + ".\n\n" + Tr(command.help.c_str()) + "\n";
+                       (command.usage.empty() ? "" : " " + command.usage) + "\n\n" + summary +
+                       (ascii ? "." : "。") + "\n\n" + Tr(command.help.c_str()) + "\n";
     std::fputs(text.c_str(), stdout);
 }
 
