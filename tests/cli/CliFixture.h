@@ -59,6 +59,14 @@ protected:
         return text.find(part) != std::string::npos;
     }
 
+    // Runs each command of the tool; the test stops at the first that fails.
+    void Setup(const std::vector<std::vector<std::string>>& commands) const {
+        for (const auto& args : commands) {
+            Result r = Run(args);
+            ASSERT_EQ(r.status, 0) << args[0] << " " << args[1] << ": " << r.err;
+        }
+    }
+
     TempDir dir;
     std::string environment; // NAME=VALUE words put before the command
 };

@@ -3,17 +3,12 @@
 #include "CliFixture.h"
 
 TEST_F(Cli, LintReportsWhereAndWhyAndRepairsOnlyWhenAsked) {
-    ASSERT_EQ(Run({"config", "add", kPipeArg}).status, 0);
-    ASSERT_EQ(
-        Run({"condition", "add", kPipeArg, "#1", "--attr", "材质", "--eq", "镀锌钢管"}).status, 0);
-    ASSERT_EQ(
-        Run({"condition", "add", kPipeArg, "#1", "--attr", "管径(mm)", "--gt", "25", "--le", "50"})
-            .status,
-        0);
-    ASSERT_EQ(Run({"qd", "add", kPipeArg, "#1", "--number", "031001001001", "--name", "管",
-                   "--unit", "m", "--unit-code", "1", "--formula", "L"})
-                  .status,
-              0);
+    ASSERT_NO_FATAL_FAILURE(Setup({
+        {"config", "add", kPipeArg},
+        {"condition", "add", kPipeArg, "#1", "--attr", "材质", "--eq", "镀锌钢管"},
+        {"condition", "add", kPipeArg, "#1", "--attr", "管径(mm)", "--gt", "25", "--le", "50"},
+        {"qd", "add", kPipeArg, "#1", "--number", "031001001001", "--formula", "L"},
+    }));
     Result clean = Run({"lint"});
     EXPECT_EQ(clean.status, 0) << clean.out << clean.err;
 

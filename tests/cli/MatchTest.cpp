@@ -4,21 +4,14 @@
 
 TEST_F(Cli, MatchShowsTheWinnerAndWhyTheOthersFailed) {
     // #1 材质＝镀锌钢管 and 25＜管径(mm)≤50 with a bill; #2 材质＝镀锌钢管; #3 the default.
-    for (int i = 0; i < 2; ++i)
-        ASSERT_EQ(Run({"config", "add", kPipeArg}).status, 0);
-    for (const char* position : {"#1", "#2"})
-        ASSERT_EQ(
-            Run({"condition", "add", kPipeArg, position, "--attr", "材质", "--eq", "镀锌钢管"})
-                .status,
-            0);
-    ASSERT_EQ(
-        Run({"condition", "add", kPipeArg, "#1", "--attr", "管径(mm)", "--gt", "25", "--le", "50"})
-            .status,
-        0);
-    ASSERT_EQ(Run({"qd", "add", kPipeArg, "#1", "--number", "031001001001", "--name", "镀锌钢管",
-                   "--unit", "m", "--unit-code", "1", "--formula", "L"})
-                  .status,
-              0);
+    ASSERT_NO_FATAL_FAILURE(Setup({
+        {"config", "add", kPipeArg},
+        {"config", "add", kPipeArg},
+        {"condition", "add", kPipeArg, "#1", "--attr", "材质", "--eq", "镀锌钢管"},
+        {"condition", "add", kPipeArg, "#2", "--attr", "材质", "--eq", "镀锌钢管"},
+        {"condition", "add", kPipeArg, "#1", "--attr", "管径(mm)", "--gt", "25", "--le", "50"},
+        {"qd", "add", kPipeArg, "#1", "--number", "031001001001", "--formula", "L"},
+    }));
 
     Result first = Run({"--json", "match", kPipeArg, "材质=镀锌钢管", "管径(mm)=32"});
     ASSERT_EQ(first.status, 0) << first.err;
