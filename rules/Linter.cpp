@@ -11,15 +11,19 @@
 #include "model/QdNode.h"
 #include "model/SMember.h"
 #include "model/Spec.h"
+#include "platform/FileSystem.h"
 #include "presenter/BillNumbering.h"
+#include "presenter/CQdDeConfigPresenter.h"
 #include "presenter/ConditionRules.h"
 #include "rules/Matcher.h"
+#include "store/CXmlQdDeConfig.h"
 
 #include <algorithm>
 #include <map>
 #include <optional>
 #include <pugixml.hpp>
 #include <set>
+#include <stdexcept>
 
 namespace {
 
@@ -289,6 +293,23 @@ std::vector<Finding> LintSpec(const Spec& spec, const LintProject& project) {
             CategoryLint(spec.GetSpecName() + L"\\" + large->GetName() + L"\\" + small->GetName(),
                          project, findings)
                 .Run(small->GetAllConfig());
+    return findings;
+}
+
+std::vector<Finding> LintOpenFile(CQdDeConfigPresenter& presenter) {
+    auto* store = dynamic_cast<CXmlQdDeConfig*>(presenter.GetData());
+    if (!store)
+        throw std::runtime_error("the configuration store is not an XML store");
+    AttrConfig record;
+    const LintProject project = HostLintProject(
+        [&](const CString& category, const CString& attribute) -> const AttrConfig* {
+            return presenter.GetAttConfig(category, attribute, record) ? &record : nullptr;
+        });
+    std::vector<Finding> findings = LintSpec(store->GetSpec(), project);
+    if (const FileBytes bytes = ReadRegularFile(store->GetFilePath())) {
+        std::vector<Finding> more = LintFileText(bytes.bytes);
+        findings.insert(findings.end(), more.begin(), more.end());
+    }
     return findings;
 }
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+class CQdDeConfigPresenter;
 class ConfigNode;
 class Spec;
 struct AttrConfig;
@@ -66,6 +67,12 @@ std::vector<Finding> LintSpec(const Spec& spec, const LintProject& project);
 // What only the file shows: specialties written twice, categories the project lacks. `xml` is
 // the whole file's text; the catalog comes from the installed host data.
 std::vector<Finding> LintFileText(const std::string& xml);
+
+// Every finding of the file the presenter has open: its specialty as the presenter holds it
+// now (edits not saved yet included), checked with the attribute settings the presenter reads
+// and the project of the host data, then what only the file on disk shows. The tool and the
+// desktop program check a configuration through this one call.
+std::vector<Finding> LintOpenFile(CQdDeConfigPresenter& presenter);
 
 // Gives conditions that share an id within a configuration fresh ids after the last one, the
 // first of each keeping its own. Returns how many were renumbered.

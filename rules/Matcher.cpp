@@ -5,6 +5,7 @@
 #include "platform/NumParse.h"
 #include "presenter/ConditionRules.h"
 
+#include <algorithm>
 #include <string>
 
 namespace {
@@ -102,4 +103,13 @@ MatchResult Match(const std::vector<ConfigNode*>& configs, const Component& comp
             break;
     }
     return result;
+}
+
+std::vector<CString> TestedAttributes(const std::vector<ConfigNode*>& configs) {
+    std::vector<CString> names;
+    for (const ConfigNode* config : configs)
+        for (const ConditionNode* condition : config->GetCondition())
+            if (std::find(names.begin(), names.end(), condition->GetCFType()) == names.end())
+                names.push_back(condition->GetCFType());
+    return names;
 }

@@ -59,3 +59,8 @@ ConditionTrial TryCondition(const ConditionNode& condition, const Component& com
 ConfigTrial TryConfig(const ConfigNode& config, const Component& component);
 // Tries the configurations in order and stops at the first that matches.
 MatchResult Match(const std::vector<ConfigNode*>& configs, const Component& component);
+
+// The attributes the conditions of `configs` test, each once, in the order first met. A
+// component given for a match is described by the category's attributes and these, since a
+// condition may test one the catalog lacks.
+std::vector<CString> TestedAttributes(const std::vector<ConfigNode*>& configs);

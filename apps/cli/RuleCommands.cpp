@@ -5,6 +5,7 @@
 #include "Json.h"
 #include "Listing.h"
 #include "Translate.h"
+#include "VerdictText.h"
 
 #include "host/HostData.h"
 #include "model/ConditionNode.h"
@@ -12,10 +13,8 @@
 #include "model/LMember.h"
 #include "model/SMember.h"
 #include "model/Spec.h"
-#include "platform/FileSystem.h"
 #include "rules/Linter.h"
 #include "rules/Matcher.h"
-#include "store/CAttrConfigStore.h"
 
 namespace {
 
@@ -37,30 +36,6 @@ Component ParseComponent(const std::vector<std::string>& pairs, const std::vecto
         component[FromUtf8(name)] = FromUtf8(pair.substr(eq + 1));
     }
     return component;
-}
-
-std::string Reason(const ConditionTrial& trial) {
-    const ConditionNode& c = *trial.condition;
-    const std::string text = ToUtf8(trial.attributeText);
-    switch (trial.verdict) {
-    case Verdict::kHeld:
-        return Tr("holds");
-    case Verdict::kValueDiffers:
-        return Tr("\"{1}\" is not \"{2}\"", {text, ToUtf8(c.GetValue())});
-    case Verdict::kValueEquals:
-        return Tr("\"{1}\" is \"{2}\"", {text, ToUtf8(c.GetValue())});
-    case Verdict::kNotANumber:
-        return Tr("\"{1}\" is no number", {text});
-    case Verdict::kBadBound:
-        return Tr("a bound of the range is no number");
-    case Verdict::kBelowLower:
-        return Tr("{1} is below the range (lower bound {2} {3})",
-                  {text, ToUtf8(c.GetRangeOperator1()), ToUtf8(c.GetRange1())});
-    case Verdict::kAboveUpper:
-        return Tr("{1} is above the range (upper bound {2} {3})",
-                  {text, ToUtf8(c.GetRangeOperator2()), ToUtf8(c.GetRange2())});
-    }
-    return {};
 }
 
 const char* VerdictName(Verdict verdict) {
@@ -102,9 +77,8 @@ int MatchCommand(CliContext& ctx, const std::vector<std::string>& raw) {
                 host->FindSmall(path.SpecId, path.LMemberId, path.SMemberId))
             for (const HostAttribute& attribute : small->attributes)
                 known.push_back(attribute.name);
-    for (const ConfigNode* config : configs)
-        for (const ConditionNode* condition : config->GetCondition())
-            known.push_back(condition->GetCFType());
+    for (const CString& name : TestedAttributes(configs))
+        known.push_back(name);
     const Component component =
         ParseComponent({args.positional.begin() + 1, args.positional.end()}, known);
     const MatchResult result = Match(configs, component);
@@ -126,7 +100,7 @@ int MatchCommand(CliContext& ctx, const std::vector<std::string>& raw) {
                                     .Set("componentValue", c.attributeText)
                                     .Set("held", c.Held())
                                     .Set("verdict", VerdictName(c.verdict))
-                                    .Set("reason", Reason(c)));
+                                    .Set("reason", VerdictText(c)));
             trials.Push(Json::MakeObject()
                             .Set("id", trial.config->GetId())
                             .Set("position", static_cast<int>(i + 1))
@@ -148,7 +122,7 @@ int MatchCommand(CliContext& ctx, const std::vector<std::string>& raw) {
                   (trial.config->IfDefault() ? " (default)" : "") + ": " +
                   (trial.Matched() ? Tr("matches") : Tr("does not match")));
         for (const ConditionTrial& c : trial.conditions)
-            PrintLine("  " + ToUtf8(c.condition->GetConditionString()) + ": " + Reason(c));
+            PrintLine("  " + ToUtf8(c.condition->GetConditionString()) + ": " + VerdictText(c));
     }
     if (!winner) {
         PrintLine(Tr("no configuration matches: the category has no default configuration"));
@@ -197,16 +171,7 @@ int Lint(CliContext& ctx, const std::vector<std::string>& raw) {
         if (renumbered && !ctx.Options().dryRun && !presenter.Save())
             throw std::runtime_error(Tr("the renumbered conditions could not be saved"));
     }
-    AttrConfig record;
-    const LintProject project = HostLintProject(
-        [&](const CString& category, const CString& attribute) -> const AttrConfig* {
-            return presenter.GetAttConfig(category, attribute, record) ? &record : nullptr;
-        });
-    std::vector<Finding> findings = LintSpec(ctx.Tree(), project);
-    if (const FileBytes bytes = ReadRegularFile(file)) {
-        std::vector<Finding> more = LintFileText(bytes.bytes);
-        findings.insert(findings.end(), more.begin(), more.end());
-    }
+    const std::vector<Finding> findings = LintOpenFile(presenter);
     int errors = 0;
     for (const Finding& f : findings)
         errors += f.severity == Severity::kError ? 1 : 0;
