@@ -4,6 +4,7 @@
 // small category of the same large category. It works on a presenter of its own, made on the
 // current configuration when the dialog is made and freed with it.
 
+#include "platform/Export.h"
 #include "ui/CButton.h"
 #include "ui/CComboBox.h"
 #include "ui/CDialog.h"
@@ -14,7 +15,7 @@
 
 class CQdDeConfigPresenter;
 
-class CDlgAttConfig : public CDialog {
+class KOQDDE_API CDlgAttConfig : public CDialog {
 public:
     static constexpr UINT IDD = 2001;
 

@@ -8,6 +8,7 @@
 // m_strCopyFrom names the history entry whose calculation items the user chose to copy.
 
 #include "host/QvBillKit/QvBillKit.h"
+#include "platform/Export.h"
 #include "ui/CButton.h"
 #include "ui/CComboBox.h"
 #include "ui/CDialog.h"
@@ -15,7 +16,7 @@
 
 #include <vector>
 
-class CDlgGetQdNum : public CDialog {
+class KOQDDE_API CDlgGetQdNum : public CDialog {
 public:
     static constexpr UINT IDD = 115;
 

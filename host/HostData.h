@@ -5,6 +5,7 @@
 // from a data pack, tests build their own in code.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 #include <map>
 #include <vector>
@@ -57,7 +58,7 @@ struct HostProfile {
     CString version;    // the application's version text; may be empty
 };
 
-struct HostData {
+struct KOQDDE_API HostData {
     std::vector<HostSpecialty> catalog;
     HostProject project;
     HostProfile profile;
@@ -76,7 +77,7 @@ struct HostData {
 };
 
 // Installs host data for the lifetime of the scope, restoring what was there before.
-class HostDataScope {
+class KOQDDE_API HostDataScope {
 public:
     explicit HostDataScope(const HostData* data);
     ~HostDataScope();
@@ -88,4 +89,4 @@ private:
 };
 
 // The installed host data, or null when none is installed.
-const HostData* CurrentHostData();
+KOQDDE_API const HostData* CurrentHostData();

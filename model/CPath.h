@@ -3,9 +3,10 @@
 // the operation; the rest stays at the "no node" value so that an unfilled record matches
 // nothing (category ids are positive, node ids start at 1 and 0 is never a specialty).
 
+#include "platform/Export.h"
 #include <cstdint>
 
-struct CPath {
+struct KOQDDE_API CPath {
     static constexpr std::int32_t kNone = -1;
 
     std::int32_t SpecId = kNone;

@@ -4,8 +4,9 @@
 
 #include "model/QdDeConfigNode.h"
 #include "platform/CString.h"
+#include "platform/Export.h"
 
-class ConditionNode : public QdDeConfigNode {
+class KOQDDE_API ConditionNode : public QdDeConfigNode {
 public:
     ConditionNode() = default;
     ConditionNode(const CString& strCFType, bool bEqual, const CString& strEqualoperator,

@@ -7,12 +7,13 @@
 #include "model/OwnedList.h"
 #include "model/QdDeConfigNode.h"
 #include "model/QdNode.h"
+#include "platform/Export.h"
 
 #include <memory>
 #include <set>
 #include <vector>
 
-class ConfigNode : public QdDeConfigNode {
+class KOQDDE_API ConfigNode : public QdDeConfigNode {
 public:
     ConfigNode() = default;
     // Destroys what the three lists still hold, conditions included: a condition handed out by

@@ -3,8 +3,9 @@
 
 #include "model/QdDeConfigNode.h"
 #include "model/QdDeStructs.h"
+#include "platform/Export.h"
 
-class DeNode : public QdDeConfigNode {
+class KOQDDE_API DeNode : public QdDeConfigNode {
 public:
     DeNode() = default;
 

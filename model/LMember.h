@@ -4,10 +4,11 @@
 #include "model/OwnedList.h"
 #include "model/QdDeConfigNode.h"
 #include "model/SMember.h"
+#include "platform/Export.h"
 
 #include <vector>
 
-class LMember : public QdDeConfigNode {
+class KOQDDE_API LMember : public QdDeConfigNode {
 public:
     LMember() = default;
     ~LMember() { DeleteAllSMember(); }

@@ -2,9 +2,10 @@
 // Base of every node of the configuration tree: an id that identifies it among its siblings,
 // a non-owning link to its parent, and loading from / storing into an XML element.
 
+#include "platform/Export.h"
 #include "xml/XmlDocument.h"
 
-class QdDeConfigNode {
+class KOQDDE_API QdDeConfigNode {
 public:
     QdDeConfigNode() = default;
     QdDeConfigNode(const QdDeConfigNode&) = default;

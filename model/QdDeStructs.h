@@ -3,8 +3,9 @@
 // presenter and store. Each field is one attribute of the item's element, of the same name.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 
-struct QdStruct {
+struct KOQDDE_API QdStruct {
     CString strQdId;     // bill number as used in this configuration
     CString strQdIdUser; // user's bill number
     CString strName;
@@ -16,7 +17,7 @@ struct QdStruct {
     CString strAnnex; // "是" / "否": with pipe fittings
 };
 
-struct DeStruct {
+struct KOQDDE_API DeStruct {
     CString strName;
     CString strUnit;
     CString strUnitCode;

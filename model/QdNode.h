@@ -5,11 +5,12 @@
 #include "model/OwnedList.h"
 #include "model/QdDeConfigNode.h"
 #include "model/QdDeStructs.h"
+#include "platform/Export.h"
 
 #include <set>
 #include <vector>
 
-class QdNode : public QdDeConfigNode {
+class KOQDDE_API QdNode : public QdDeConfigNode {
 public:
     QdNode() = default;
     ~QdNode() { DeleteAllDe(); }

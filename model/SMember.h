@@ -5,11 +5,12 @@
 #include "model/ConfigNode.h"
 #include "model/OwnedList.h"
 #include "model/QdDeConfigNode.h"
+#include "platform/Export.h"
 
 #include <memory>
 #include <vector>
 
-class SMember : public QdDeConfigNode {
+class KOQDDE_API SMember : public QdDeConfigNode {
 public:
     SMember() = default;
     ~SMember() { DeleteAllConfig(); }

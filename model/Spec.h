@@ -3,11 +3,12 @@
 
 #include "model/LMember.h"
 #include "model/QdDeConfigNode.h"
+#include "platform/Export.h"
 
 #include <memory>
 #include <vector>
 
-class Spec : public QdDeConfigNode {
+class KOQDDE_API Spec : public QdDeConfigNode {
 public:
     Spec() = default;
     ~Spec() { DeleteAllLMember(); }

@@ -2,6 +2,7 @@
 // Wide string value class with the members the module's code uses. Text is held as
 // std::wstring; UTF-8 is the encoding at every file, XML and process boundary.
 
+#include "platform/Export.h"
 #include <compare>
 #include <cstddef>
 #include <initializer_list>
@@ -9,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-class CString {
+class KOQDDE_API CString {
 public:
     CString() = default;
     CString(const wchar_t* text) : m_s(text ? text : L"") {}
@@ -87,7 +88,7 @@ private:
 };
 
 // Growable array of strings with the members the module's code uses.
-class CStringArray {
+class KOQDDE_API CStringArray {
 public:
     CStringArray() = default;
     CStringArray(std::initializer_list<CString> items) : m_items(items) {}
@@ -118,11 +119,11 @@ private:
 };
 
 // UTF-8 <-> wide conversions used at every boundary. Invalid UTF-8 bytes become U+FFFD.
-std::string ToUtf8(const CString& text);
-std::string ToUtf8(std::wstring_view text);
-CString FromUtf8(std::string_view text);
+KOQDDE_API std::string ToUtf8(const CString& text);
+KOQDDE_API std::string ToUtf8(std::wstring_view text);
+KOQDDE_API CString FromUtf8(std::string_view text);
 // Appends one code point as UTF-8 (U+FFFD for a surrogate or a value past U+10FFFF).
-void AppendUtf8(std::string& out, char32_t c);
+KOQDDE_API void AppendUtf8(std::string& out, char32_t c);
 // Length of the valid UTF-8 sequence at the start of `s`, with its code point in `cp`; 0 when
 // the bytes there are not valid UTF-8 (overlong forms and surrogates included).
-size_t DecodeUtf8(std::string_view s, char32_t& cp);
+KOQDDE_API size_t DecodeUtf8(std::string_view s, char32_t& cp);

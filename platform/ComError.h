@@ -2,6 +2,7 @@
 // The one exception type for failures of the XML layer and the platform calls that the
 // module does not handle itself. It carries an HRESULT so callers can tell the cases apart.
 
+#include "platform/Export.h"
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -16,7 +17,7 @@ inline constexpr HRESULT E_NOINTERFACE = static_cast<HRESULT>(0x80004002u);
 inline constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057u);
 inline constexpr HRESULT E_ACCESSDENIED = static_cast<HRESULT>(0x80070005u);
 
-class ComError : public std::runtime_error {
+class KOQDDE_API ComError : public std::runtime_error {
 public:
     explicit ComError(HRESULT hr, const std::string& what = {});
     HRESULT Error() const noexcept { return m_hr; }

@@ -2,6 +2,7 @@
 // The static entry points a host calls without showing a dialog.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 #include "presenter/CQdDeConfigPresenter.h"
 
 #include <memory>
@@ -10,7 +11,7 @@
 class CWnd;
 struct CRect;
 
-class CAutoQdDeConfigFacade {
+class KOQDDE_API CAutoQdDeConfigFacade {
 public:
     // Generates "AttrConfig.xml" in the configuration folder.
     static void AttrConfig();

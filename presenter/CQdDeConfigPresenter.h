@@ -6,6 +6,7 @@
 #include "model/ConfigNode.h"
 #include "model/QdDeStructs.h"
 #include "platform/CString.h"
+#include "platform/Export.h"
 #include "store/CAttrConfigStore.h"
 #include "store/IQdDeConfigData.h"
 
@@ -14,7 +15,7 @@
 #include <set>
 #include <vector>
 
-class CQdDeConfigPresenter {
+class KOQDDE_API CQdDeConfigPresenter {
 public:
     // An empty file means the current configuration of the project: the name recorded in the
     // project's "SysRegedit.ini" (or "DefaultConfig") in the configuration folder.
@@ -99,4 +100,4 @@ private:
 // Makes `file` the current configuration. False, with "文件功能不匹配" in `error`, when the file
 // can't be loaded; `error` is left alone otherwise. Exported under its plain name, so that a
 // host can look it up in the loaded library by that name.
-extern "C" bool RefreshAutoConfig(CString& error, const CString& file);
+extern "C" KOQDDE_API bool RefreshAutoConfig(CString& error, const CString& file);

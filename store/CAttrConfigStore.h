@@ -7,12 +7,13 @@
 // - the reader (a specialty name): reads that specialty's records into memory.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 #include "xml/XmlDocument.h"
 
 #include <map>
 #include <string>
 
-struct AttrConfig {
+struct KOQDDE_API AttrConfig {
     AttrConfig() = default;
     AttrConfig(const CString& name, const CString& namecode, int vartype, int compar,
                int specrelation)
@@ -26,7 +27,7 @@ struct AttrConfig {
     int specrelation = 0; // 0 depends on the material, 1 does not
 };
 
-class CAttrConfigStore {
+class KOQDDE_API CAttrConfigStore {
 public:
     // Generator form.
     CAttrConfigStore();

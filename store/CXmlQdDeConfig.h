@@ -4,11 +4,12 @@
 // they are on disk (see ConfigFile). No DOM is kept between operations.
 
 #include "model/Spec.h"
+#include "platform/Export.h"
 #include "store/ConfigFile.h"
 #include "store/IQdDeConfigData.h"
 #include "xml/XmlDocument.h"
 
-class CXmlQdDeConfig : public IQdDeConfigData {
+class KOQDDE_API CXmlQdDeConfig : public IQdDeConfigData {
 public:
     // Opens the file, or creates it when it doesn't exist, and builds the tree of `specName`.
     CXmlQdDeConfig(const CString& file, const CString& specName);

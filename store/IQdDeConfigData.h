@@ -7,12 +7,13 @@
 #include "model/ConfigNode.h"
 #include "model/QdDeStructs.h"
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 #include <map>
 #include <set>
 #include <vector>
 
-class IQdDeConfigData {
+class KOQDDE_API IQdDeConfigData {
 public:
     IQdDeConfigData() = default;
     IQdDeConfigData(const IQdDeConfigData&) = default;

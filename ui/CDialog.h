@@ -4,6 +4,7 @@
 // box reaching OnCancel through WM_CLOSE, WM_COMMAND and WM_NOTIFY from the controls arriving
 // synchronously in OnCommand and OnNotify, and data exchange.
 
+#include "platform/Export.h"
 #include "ui/CWnd.h"
 #include "ui/DialogTemplate.h"
 
@@ -34,7 +35,7 @@ void DDX_Text(CDataExchange* pDX, int id, int& value);
 // only its radios count. Writing an index no radio has clears them all.
 void DDX_Radio(CDataExchange* pDX, int firstId, int& value);
 
-class CDialog : public CWnd {
+class KOQDDE_API CDialog : public CWnd {
 public:
     CDialog(const CString& templateName, CWnd* parent = nullptr);
     CDialog(UINT templateId, CWnd* parent = nullptr);

@@ -5,6 +5,7 @@
 // not create itself.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 #include "ui/Win.h"
 
 #include <QPointer>
@@ -12,7 +13,7 @@
 
 #include <exception>
 
-class CWnd {
+class KOQDDE_API CWnd {
 public:
     CWnd() = default;
     explicit CWnd(QWidget* widget);

@@ -11,7 +11,7 @@
 #include "model/CPath.h"
 #include "model/ConfigNode.h"
 #include "platform/CString.h"
-#include "platform/FileLock.h"
+#include "platform/Export.h"
 #include "platform/FileLock.h"
 #include "presenter/CQdDeConfigPresenter.h"
 #include "ui/Controls.h"
@@ -60,7 +60,7 @@ inline constexpr int kDeName = 2006;
 inline constexpr int kDescription = 2007;
 } // namespace AutoConfigIds
 
-class CAutoConfigDlg : public CDialog {
+class KOQDDE_API CAutoConfigDlg : public CDialog {
 public:
     static constexpr UINT IDD = 2000;
     // A window outside the module may ask with this message; the answer is always 1.
@@ -82,6 +82,11 @@ public:
     CString GetSmallCategoryPath();
     // The selected item's texts from the root down, each followed by "\".
     CString GetTreePath();
+    // Selects the small category "specialty\large\small" in the tree and, when `configId` is
+    // not 0, that configuration in the list, raising the notifications a user's clicks raise.
+    // False when the tree lacks the category (another specialty, a wiring category) or the
+    // list the configuration; the selection is then left where it went.
+    bool SelectConfiguration(const CString& smallCategoryPath, int configId);
 
 protected:
     void DoDataExchange(CDataExchange* pDX) override;

@@ -4,11 +4,12 @@
 // link, and three buttons that end the page forward, back or out. Every way out saves the
 // file; the result tells only the direction.
 
+#include "platform/Export.h"
 #include "workbench/CAutoConfigDlg.h"
 
 #include <QFont>
 
-class COnlineAutoConfigDlg : public CAutoConfigDlg {
+class KOQDDE_API COnlineAutoConfigDlg : public CAutoConfigDlg {
 public:
     // The wizard's results.
     static constexpr int kResultNext = 1;

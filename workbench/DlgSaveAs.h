@@ -3,12 +3,13 @@
 // the application's configuration folder, lets the user pick or type a name, refuses names a
 // file can't have, and hands back a full path. It writes nothing to disk itself.
 
+#include "platform/Export.h"
 #include "ui/CButton.h"
 #include "ui/CComboBox.h"
 #include "ui/CDialog.h"
 #include "ui/CListBox.h"
 
-class DlgSaveAs : public CDialog {
+class KOQDDE_API DlgSaveAs : public CDialog {
 public:
     // What the dialog is opened for; the caption and the OK button follow it.
     enum Mode { kOpen = 0, kNew = 1, kSaveAs = 2 };

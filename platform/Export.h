@@ -1,0 +1,10 @@
+#pragma once
+// Marks what a host may call in the shared libraries. They are built with hidden visibility,
+// so everything else (the XML layer, SQLite, the helpers) stays out of their symbol tables.
+// The Windows counterpart (dllexport/dllimport) is not written: this build targets ELF.
+
+#if defined(__GNUC__) || defined(__clang__)
+#define KOQDDE_API __attribute__((visibility("default")))
+#else
+#define KOQDDE_API
+#endif
