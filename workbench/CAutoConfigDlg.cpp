@@ -180,6 +180,39 @@ CString CAutoConfigDlg::GetTreePath() {
     return path;
 }
 
+bool CAutoConfigDlg::SelectConfiguration(const CString& smallCategoryPath, int configId) {
+    const int first = smallCategoryPath.Find(L'\\');
+    const int second = first < 0 ? -1 : smallCategoryPath.Find(L'\\', first + 1);
+    if (second < 0)
+        return false;
+    const CString names[] = {smallCategoryPath.Left(first),
+                             smallCategoryPath.Mid(first + 1, second - first - 1),
+                             smallCategoryPath.Mid(second + 1)};
+    HTREEITEM item = m_treeComponent.GetRootItem();
+    for (size_t level = 0; item && level < 3; ++level) {
+        if (level > 0)
+            item = m_treeComponent.GetChildItem(item);
+        while (item && m_treeComponent.GetItemText(item) != names[level])
+            item = m_treeComponent.GetNextSiblingItem(item);
+    }
+    if (!item || m_treeComponent.ItemHasChildren(item))
+        return false;
+    if (m_treeComponent.GetSelectedItem() != item)
+        m_treeComponent.SelectItem(item);
+    m_treeComponent.EnsureVisible(item);
+    if (configId == 0)
+        return true;
+    for (int row = 0; row < m_listConfig.GetItemCount(); ++row) {
+        if (static_cast<int>(m_listConfig.GetItemData(row)) == configId) {
+            if (m_listConfig.GetNextItem(-1, LVNI_SELECTED) != row)
+                m_listConfig.SetItemState(row, LVIS_SELECTED, LVIS_SELECTED);
+            m_listConfig.EnsureVisible(row, FALSE);
+            return true;
+        }
+    }
+    return false;
+}
+
 bool CAutoConfigDlg::ReloadConfigs(const CPath& path, std::vector<ConfigNode*>& configs) {
     return m_pPresenter->GetConfig(path, configs);
 }
