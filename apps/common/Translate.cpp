@@ -56,6 +56,19 @@ void SetUpTranslation(const char* program) {
     bind_textdomain_codeset(g_domain, "UTF-8");
 }
 
+void SetUpTranslationIn(const char* program, const char* language) {
+    g_domain = program;
+    // gettext reads LANGUAGE under any message locale but plain "C" (or "POSIX").
+    const char* messages = std::setlocale(LC_MESSAGES, nullptr);
+    if (!messages || std::string(messages) == "C" || std::string(messages) == "POSIX")
+        std::setlocale(LC_MESSAGES, "C.UTF-8");
+    setenv("LANGUAGE", language, 1);
+    const std::string dir = LocaleDir();
+    if (!dir.empty())
+        bindtextdomain(g_domain, dir.c_str());
+    bind_textdomain_codeset(g_domain, "UTF-8");
+}
+
 const char* Tr(const char* text) {
     return dgettext(g_domain, text);
 }

@@ -12,6 +12,10 @@
 // installed tree or the build tree) and takes the language from the environment.
 void SetUpTranslation(const char* program);
 
+// As SetUpTranslation, but in `language` ("zh_CN") whatever the locale asks for: the desktop
+// program speaks Chinese, as the workbench it shows does.
+void SetUpTranslationIn(const char* program, const char* language);
+
 // Marks a text for the catalogue where it can't be translated yet (a constant).
 constexpr const char* TrNoop(const char* text) {
     return text;

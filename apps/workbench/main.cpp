@@ -2,6 +2,8 @@
 // configuration workbench. Without a display it renders the workbench offscreen into an image
 // and exits, so that the program can be looked at from a terminal.
 
+#include "Translate.h"
+#include "apps/workbench/DesktopWorkbench.h"
 #include "dialogs/CDlgAttConfig.h"
 #include "host/HostData.h"
 #include "host/QvKoSettings/QvKoSettings.h"
@@ -66,7 +68,12 @@ const char* const kHelp =
     "  --picker           with --screenshot: open the item picker of the project's mode\n"
     "                     beside the workbench first, and render both\n"
     "  --pick-bill FILE   with --screenshot --picker: also pick the picker's first bill and\n"
-    "                     render the bill number dialog into FILE\n";
+    "                     render the bill number dialog into FILE\n"
+    "  --lint             open the rule check (规则检查) beside the workbench\n"
+    "  --trial            open the trial window (试算) beside the workbench, on the selected\n"
+    "                     small category\n"
+    "  --set ATTR=VALUE   with --trial: fill in an attribute of the trial's component\n"
+    "                     (repeatable)\n";
 
 struct Options {
     DataPackOptions pack;
@@ -82,6 +89,7 @@ struct Options {
     CString deLib;
     CString description;
     bool canGoBack = false;
+    SideWindows side;
 };
 
 bool ParseOptions(int argc, char** argv, Options& options, std::string& error) {
@@ -95,7 +103,7 @@ bool ParseOptions(int argc, char** argv, Options& options, std::string& error) {
         } else if (arg == "--data" || arg == "--project" || arg == "--config-dir" ||
                    arg == "--cloud-dir" || arg == "--screenshot" || arg == "--wizard" ||
                    arg == "--qd-lib" || arg == "--de-lib" || arg == "--description" ||
-                   arg == "--pick-bill") {
+                   arg == "--pick-bill" || arg == "--set") {
             if (i + 1 >= argc) {
                 error = arg + " needs a value";
                 return false;
@@ -131,7 +139,19 @@ bool ParseOptions(int argc, char** argv, Options& options, std::string& error) {
             options.canGoBack = true;
         else if (arg == "--attr-dialog")
             options.attrDialog = true;
-        else {
+        else if (arg == "--lint")
+            options.side.lint = true;
+        else if (arg == "--trial")
+            options.side.trial = true;
+        else if (arg == "--set") {
+            const size_t at = value.find('=');
+            if (at == std::string::npos || at == 0) {
+                error = "--set needs ATTR=VALUE";
+                return false;
+            }
+            options.side.values.emplace_back(FromUtf8(value.substr(0, at)),
+                                             FromUtf8(value.substr(at + 1)));
+        } else {
             error = "unknown option \"" + arg + "\"";
             return false;
         }
@@ -189,12 +209,20 @@ QImage SideBySide(const QImage& left, const QImage& right) {
     return image;
 }
 
-// The item picker the pick button showed: a visible tool window of the workbench.
-QWidget* VisiblePicker(QWidget& workbench) {
+// The windows beside the workbench that are showing (the program's side windows), in the order
+// they were made.
+QList<QWidget*> VisibleToolWindows(QWidget& workbench) {
+    QList<QWidget*> shown;
     for (QWidget* child : workbench.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
         if (child->isWindow() && child->isVisible())
-            return child;
-    return nullptr;
+            shown.push_back(child);
+    return shown;
+}
+
+// The item picker the pick button showed: a visible tool window of the workbench.
+QWidget* VisiblePicker(QWidget& workbench) {
+    const QList<QWidget*> shown = VisibleToolWindows(workbench);
+    return shown.isEmpty() ? nullptr : shown.front();
 }
 
 // The user's pick of the first bill the picker lists: the row selected, then "选用". The
@@ -247,7 +275,7 @@ void RunChosenDialog(const Options& options, bool printResult) {
             std::printf("%d\n", result);
         return;
     }
-    CAutoQdDeConfigFacade::StartQdDeConfig(nullptr, CRect());
+    RunDesktopWorkbench(options.side);
 }
 
 // An input file the program can't use ends it: the reason goes to standard error and, when the
@@ -286,6 +314,8 @@ int main(int argc, char** argv) {
     }
 
     QApplication app(argc, argv);
+    // The findings and verdicts beside the workbench are in its language.
+    SetUpTranslationIn("koqdde", "zh_CN");
     HostData host;
     CString packError;
     if (!LoadDataPack(options.pack, host, packError))
@@ -352,7 +382,10 @@ int main(int argc, char** argv) {
             pickedSaved = SavePng(RenderWindow(*window), options.pickBill);
             return IDCANCEL;
         }
-        saved = SavePng(RenderWindow(*window), options.screenshot);
+        QImage image = RenderWindow(*window);
+        for (QWidget* side : VisibleToolWindows(*window))
+            image = SideBySide(image, RenderWindow(*side));
+        saved = SavePng(image, options.screenshot);
         return IDCANCEL;
     });
     try {
