@@ -4,7 +4,9 @@
 # docs/workbench-picker.png and the bill number dialog that a pick opens into
 # docs/bill-number.png (beside the first file). Two configurations of 给排水\管道\给水管 are
 # written first through the command-line tool, so that the pictures show conditions and
-# items; nothing is written into the source tree but the pictures.
+# items. Then a few rules that do not do what they seem to are added, and the rule check
+# (docs/lint-panel.png) and the trial window (docs/trial.png) are rendered beside the
+# workbench. Nothing is written into the source tree but the pictures.
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -50,3 +52,21 @@ docs=$(dirname "$out")
 QT_QPA_PLATFORM=offscreen "$build/apps/koqdde-workbench" "${opts[@]}" \
   --screenshot "$docs/workbench-picker.png" --picker --pick-bill "$docs/bill-number.png"
 echo "wrote $docs/workbench-picker.png and $docs/bill-number.png"
+
+# #3 takes every galvanised pipe, so #4 below it never matches and gives nothing besides;
+# 排水管's first configuration tests nothing.
+cli config add "$pipe"
+cli condition add "$pipe" 4 --attr 材质 --eq 镀锌钢管
+cli qd add "$pipe" 4 --number 031001001002 --name 镀锌钢管 --unit m --unit-code 1 \
+  --code "$bill" --formula L --annex 是
+cli de add "$pipe" 4 --qd 1 --number 10-1-4 --name '室内镀锌钢管螺纹连接 DN100' --unit 10m \
+  --unit-code 10 --code "$quota" --formula L --annex 是
+cli config add "$pipe"
+cli condition add "$pipe" 5 --attr 材质 --eq 镀锌钢管
+cli condition add "$pipe" 5 --attr '管径(mm)' --gt 100
+cli config add '管道\排水管'
+QT_QPA_PLATFORM=offscreen "$build/apps/koqdde-workbench" "${opts[@]}" --lint \
+  --screenshot "$docs/lint-panel.png"
+QT_QPA_PLATFORM=offscreen "$build/apps/koqdde-workbench" "${opts[@]}" --trial \
+  --set 材质=镀锌钢管 --set '管径(mm)=120' --screenshot "$docs/trial.png"
+echo "wrote $docs/lint-panel.png and $docs/trial.png"
