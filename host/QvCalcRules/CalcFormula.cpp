@@ -1,5 +1,7 @@
 #include "host/QvCalcRules/CalcFormula.h"
 
+#include <charconv>
+#include <cmath>
 #include <cwctype>
 
 std::vector<CalcVariable> GetCalcVariables(const CString&) {
@@ -20,11 +22,13 @@ bool IsNamePart(wchar_t c) {
 //   expr   := term (('+' | '-') term)*
 //   term   := factor (('*' | '/') factor)*
 //   factor := ('+' | '-') factor | number | name | '(' expr ')'
-// It only checks: the quantities are worked out by the application, not here.
+// Parsing also writes the formula as a small stack program, so a formula applied to many
+// components is read once.
 class FormulaChecker {
 public:
-    FormulaChecker(const std::wstring& text, const std::vector<CalcVariable>& variables)
-        : m_text(text), m_variables(variables) {}
+    FormulaChecker(const std::wstring& text, const std::vector<CalcVariable>& variables,
+                   std::vector<FormulaStep>* program = nullptr)
+        : m_text(text), m_variables(variables), m_program(program) {}
 
     bool Check(CString& error) {
         SkipBlanks();
@@ -43,9 +47,10 @@ private:
         if (!Term())
             return false;
         while (Peek() == L'+' || Peek() == L'-') {
-            ++m_pos;
+            const bool add = m_text[m_pos++] == L'+';
             if (!Term())
                 return false;
+            Emit({add ? FormulaStep::kAdd : FormulaStep::kSubtract});
         }
         return true;
     }
@@ -54,9 +59,10 @@ private:
         if (!Factor())
             return false;
         while (Peek() == L'*' || Peek() == L'/') {
-            ++m_pos;
+            const bool multiply = m_text[m_pos++] == L'*';
             if (!Factor())
                 return false;
+            Emit({multiply ? FormulaStep::kMultiply : FormulaStep::kDivide});
         }
         return true;
     }
@@ -73,7 +79,11 @@ private:
         wchar_t c = Peek();
         if (c == L'+' || c == L'-') {
             ++m_pos;
-            return Factor();
+            if (!Factor())
+                return false;
+            if (c == L'-')
+                Emit({FormulaStep::kNegate});
+            return true;
         }
         if (c == L'(') {
             ++m_pos;
@@ -103,6 +113,14 @@ private:
             m_pos = start;
             return Fail(L"数字有误");
         }
+        if (m_program) {
+            // Digits and a point only: the narrow copy is exact.
+            std::string digitsText(m_text.begin() + static_cast<std::ptrdiff_t>(start),
+                                   m_text.begin() + static_cast<std::ptrdiff_t>(m_pos));
+            double value = 0;
+            std::from_chars(digitsText.data(), digitsText.data() + digitsText.size(), value);
+            Emit({FormulaStep::kNumber, value});
+        }
         return true;
     }
 
@@ -111,9 +129,11 @@ private:
         while (m_pos < m_text.size() && IsNamePart(m_text[m_pos]))
             ++m_pos;
         CString name(m_text.substr(start, m_pos - start));
-        for (const auto& variable : m_variables)
-            if (variable.name == name)
+        for (size_t i = 0; i < m_variables.size(); ++i)
+            if (m_variables[i].name == name) {
+                Emit({FormulaStep::kVariable, 0, i});
                 return true;
+            }
         m_pos = start;
         return Fail(L"未知变量 " + name);
     }
@@ -128,6 +148,11 @@ private:
             ++m_pos;
     }
 
+    void Emit(const FormulaStep& step) {
+        if (m_program)
+            m_program->push_back(step);
+    }
+
     bool Fail(const CString& what) {
         CString where;
         where.Format(L"(第%d个字符)", static_cast<int>(m_pos) + 1);
@@ -137,6 +162,7 @@ private:
 
     const std::wstring& m_text;
     const std::vector<CalcVariable>& m_variables;
+    std::vector<FormulaStep>* m_program;
     size_t m_pos = 0;
     int m_depth = 0;
     CString m_error;
@@ -147,4 +173,53 @@ private:
 bool CheckFormula(const CString& formula, const std::vector<CalcVariable>& variables,
                   CString& error) {
     return FormulaChecker(formula.str(), variables).Check(error);
+}
+
+bool CompiledFormula::Compile(const CString& formula, const std::vector<CalcVariable>& variables,
+                              CString& error) {
+    m_steps.clear();
+    if (FormulaChecker(formula.str(), variables, &m_steps).Check(error))
+        return true;
+    m_steps.clear();
+    return false;
+}
+
+double CompiledFormula::Evaluate(const double* values) const {
+    if (m_steps.empty())
+        return 0;
+    // A parsed formula never takes more than its length in stack places.
+    std::vector<double> stack;
+    stack.reserve(m_steps.size());
+    for (const FormulaStep& step : m_steps) {
+        if (step.op == FormulaStep::kNumber) {
+            stack.push_back(step.number);
+            continue;
+        }
+        if (step.op == FormulaStep::kVariable) {
+            stack.push_back(values[step.variable]);
+            continue;
+        }
+        if (step.op == FormulaStep::kNegate) {
+            stack.back() = -stack.back();
+            continue;
+        }
+        const double right = stack.back();
+        stack.pop_back();
+        double& left = stack.back();
+        switch (step.op) {
+        case FormulaStep::kAdd:
+            left += right;
+            break;
+        case FormulaStep::kSubtract:
+            left -= right;
+            break;
+        case FormulaStep::kMultiply:
+            left *= right;
+            break;
+        default:
+            left /= right; // a zero divisor gives inf or nan, which the caller reports
+            break;
+        }
+    }
+    return stack.back();
 }

@@ -22,3 +22,25 @@ std::vector<CalcVariable> GetCalcVariables(const CString& smallCategoryPath);
 // it means that the item has no formula. On false, error says what is wrong and where.
 bool CheckFormula(const CString& formula, const std::vector<CalcVariable>& variables,
                   CString& error);
+
+// One step of a parsed formula, run on a stack.
+struct FormulaStep {
+    enum Op { kNumber, kVariable, kAdd, kSubtract, kMultiply, kDivide, kNegate } op;
+    double number = 0;   // kNumber
+    size_t variable = 0; // kVariable: the index into the variables it was parsed with
+};
+
+// A formula parsed once by the same parser as CheckFormula and evaluated for many sets of
+// values: the quantity of an item for each component.
+class CompiledFormula {
+public:
+    // False, with CheckFormula's error, when the formula does not parse. An empty formula
+    // compiles and evaluates to 0: the item has no quantity of its own.
+    bool Compile(const CString& formula, const std::vector<CalcVariable>& variables,
+                 CString& error);
+    // values[i] is the value of the i-th variable given to Compile.
+    double Evaluate(const double* values) const;
+
+private:
+    std::vector<FormulaStep> m_steps;
+};

@@ -1,0 +1,176 @@
+#include "rules/BillOfQuantities.h"
+
+#include "host/QvCalcRules/CalcFormula.h"
+#include "model/ConfigNode.h"
+#include "model/DeNode.h"
+#include "model/LMember.h"
+#include "model/QdNode.h"
+#include "model/SMember.h"
+#include "model/Spec.h"
+
+#include <cmath>
+#include <map>
+#include <memory>
+
+namespace {
+
+// An item's formula, parsed once for every component that receives it.
+struct PreparedItem {
+    const CString* number;
+    const CString* name;
+    const CString* unit;
+    CompiledFormula formula;
+    CString error; // empty when the formula parsed
+    CString formulaText;
+};
+
+struct PreparedBill {
+    PreparedItem bill;
+    std::vector<PreparedItem> quotas;
+};
+
+struct PreparedConfig {
+    std::vector<PreparedBill> bills;
+    std::vector<PreparedItem> quotas;
+};
+
+struct PreparedCategory {
+    std::vector<ConfigNode*> configs;
+    std::map<const ConfigNode*, PreparedConfig> items; // filled when a config first wins
+};
+
+PreparedItem Prepare(const CString& number, const CString& name, const CString& unit,
+                     const CString& formula, const std::vector<CalcVariable>& variables) {
+    PreparedItem item{&number, &name, &unit, {}, {}, formula};
+    item.formula.Compile(formula, variables, item.error);
+    return item;
+}
+
+PreparedConfig PrepareConfig(const ConfigNode& config, const std::vector<CalcVariable>& vars) {
+    PreparedConfig prepared;
+    for (const QdNode* qd : config.GetQd()) {
+        const QdStruct& q = qd->m_qd;
+        PreparedBill bill{Prepare(q.strQdId, q.strName, q.strUnit, q.strFormula, vars), {}};
+        for (const DeNode* de : qd->GetDe())
+            bill.quotas.push_back(Prepare(de->m_de.strDeId, de->m_de.strName, de->m_de.strUnit,
+                                          de->m_de.strFormula, vars));
+        prepared.bills.push_back(std::move(bill));
+    }
+    for (const DeNode* de : config.GetDe())
+        prepared.quotas.push_back(Prepare(de->m_de.strDeId, de->m_de.strName, de->m_de.strUnit,
+                                          de->m_de.strFormula, vars));
+    return prepared;
+}
+
+BoqItem& ItemOf(BoqItem& item) {
+    return item;
+}
+BoqItem& ItemOf(BoqBill& bill) {
+    return bill.item;
+}
+
+// Adds a quantity to the row of the item's number, made at its first meeting so the bill
+// keeps the order in which numbers first came.
+template <class Row>
+Row& Tally(std::vector<Row>& rows, std::map<CString, size_t>& index, const PreparedItem& item,
+           double quantity) {
+    auto [it, added] = index.emplace(*item.number, rows.size());
+    if (added) {
+        rows.emplace_back();
+        ItemOf(rows.back()) = {*item.number, *item.name, *item.unit, 0, 0};
+    }
+    BoqItem& total = ItemOf(rows[it->second]);
+    total.quantity += quantity;
+    ++total.components;
+    return rows[it->second];
+}
+
+class Runner {
+public:
+    Runner(const Spec& spec, BillOfQuantities& out)
+        : m_out(out), m_variables(GetCalcVariables(L"")) {
+        for (const LMember* large : spec.GetAllLMember())
+            for (const SMember* small : large->GetAllSMember()) {
+                auto category = std::make_shared<PreparedCategory>();
+                category->configs = small->GetAllConfig();
+                const CString path = large->GetName() + L"\\" + small->GetName();
+                m_categories[path] = category;
+                m_categories[spec.GetSpecName() + L"\\" + path] = category;
+            }
+    }
+
+    void Run(const ComponentRow& row) {
+        ++m_out.components;
+        auto found = m_categories.find(Normalized(row.category));
+        if (found == m_categories.end()) {
+            m_out.problems.push_back({row.line, row.category, "unknownCategory", ""});
+            return;
+        }
+        PreparedCategory& category = *found->second;
+        const ConfigNode* winner = Match(category.configs, row.attributes).Winner();
+        if (!winner) {
+            m_out.problems.push_back({row.line, row.category, "noMatch", ""});
+            return;
+        }
+        if (winner->IfDefault())
+            m_out.defaultOnly.push_back(&row);
+        auto prepared = category.items.find(winner);
+        if (prepared == category.items.end())
+            prepared = category.items.emplace(winner, PrepareConfig(*winner, m_variables)).first;
+        const double values[] = {row.L, row.N, row.S};
+        double quantity = 0;
+        for (const PreparedBill& bill : prepared->second.bills) {
+            // A bill that can't be counted takes its quotas with it.
+            if (!Quantity(row, bill.bill, values, quantity))
+                continue;
+            BoqBill& total = Tally(m_out.bills, m_billIndex, bill.bill, quantity);
+            std::map<CString, size_t>& index = m_quotaUnderBill[*bill.bill.number];
+            for (const PreparedItem& quota : bill.quotas)
+                if (Quantity(row, quota, values, quantity))
+                    Tally(total.quotas, index, quota, quantity);
+        }
+        for (const PreparedItem& quota : prepared->second.quotas)
+            if (Quantity(row, quota, values, quantity))
+                Tally(m_out.quotas, m_quotaIndex, quota, quantity);
+    }
+
+private:
+    static CString Normalized(CString path) {
+        path.Replace(L"/", L"\\");
+        return path;
+    }
+
+    bool Quantity(const ComponentRow& row, const PreparedItem& item, const double* values,
+                  double& quantity) {
+        if (!item.error.IsEmpty()) {
+            m_out.problems.push_back({row.line, row.category, "badFormula",
+                                      ToUtf8(*item.number) + ": " + ToUtf8(item.formulaText) +
+                                          ": " + ToUtf8(item.error)});
+            return false;
+        }
+        quantity = item.formula.Evaluate(values);
+        if (!std::isfinite(quantity)) {
+            m_out.problems.push_back({row.line, row.category, "notFinite",
+                                      ToUtf8(*item.number) + ": " + ToUtf8(item.formulaText)});
+            return false;
+        }
+        return true;
+    }
+
+    BillOfQuantities& m_out;
+    std::vector<CalcVariable> m_variables;
+    std::map<CString, std::shared_ptr<PreparedCategory>> m_categories;
+    std::map<CString, size_t> m_billIndex;
+    std::map<CString, size_t> m_quotaIndex;
+    std::map<CString, std::map<CString, size_t>> m_quotaUnderBill;
+};
+
+} // namespace
+
+BillOfQuantities ApplyComponents(const Spec& spec, const std::vector<ComponentRow>& rows) {
+    BillOfQuantities out;
+    Runner runner(spec, out);
+    for (const ComponentRow& row : rows)
+        runner.Run(row);
+    return out;
+}
