@@ -34,7 +34,7 @@ build-asan: deps $(BUILD_ASAN)/build.ninja
 	ninja -C $(BUILD_ASAN) -j$(JOBS)
 
 # The main program: the workbench on the bundled pack. Without a display it renders the
-# workbench into build/workbench.png and says so.
+# workbench into ~/.cache/koqdde/workbench.png (or $XDG_CACHE_HOME/koqdde/) and says where.
 run: build
 	./$(BUILD)/apps/koqdde-workbench
 

@@ -39,7 +39,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <string>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -64,7 +68,8 @@ const char* const kHelp =
     "  --attr-dialog      open the attribute configuration dialog instead\n"
     "  --screenshot FILE  render the dialog into FILE (PNG) instead of running it, and\n"
     "                     exit; without a display this is what happens, into\n"
-    "                     build/workbench.png\n"
+    "                     $XDG_CACHE_HOME/koqdde/workbench.png (else ~/.cache/koqdde/,\n"
+    "                     else the temporary folder)\n"
     "  --picker           with --screenshot: open the item picker of the project's mode\n"
     "                     beside the workbench first, and render both\n"
     "  --pick-bill FILE   with --screenshot --picker: also pick the picker's first bill and\n"
@@ -73,7 +78,8 @@ const char* const kHelp =
     "  --trial            open the trial window (试算) beside the workbench, on the selected\n"
     "                     small category\n"
     "  --set ATTR=VALUE   with --trial: fill in an attribute of the trial's component\n"
-    "                     (repeatable)\n";
+    "                     (repeatable)\n"
+    "  --version          print the version and exit\n";
 
 struct Options {
     DataPackOptions pack;
@@ -82,6 +88,7 @@ struct Options {
     bool picker = false;
     std::string pickBill;
     bool help = false;
+    bool version = false;
     bool attrDialog = false;
     bool wizard = false;
     CString wizardFile;
@@ -112,6 +119,8 @@ bool ParseOptions(int argc, char** argv, Options& options, std::string& error) {
         }
         if (arg == "--help" || arg == "-h")
             options.help = true;
+        else if (arg == "--version")
+            options.version = true;
         else if (arg == "--data")
             options.pack.dataDir = FromUtf8(value);
         else if (arg == "--project")
@@ -278,6 +287,26 @@ void RunChosenDialog(const Options& options, bool printResult) {
     RunDesktopWorkbench(options.side);
 }
 
+// The picture's place when none is named: the user's cache folder, made when missing; the
+// temporary folder when there is no cache to write to; the current folder only as a last resort.
+std::string DefaultPicturePath() {
+    namespace fs = std::filesystem;
+    std::vector<fs::path> folders;
+    if (const char* cache = std::getenv("XDG_CACHE_HOME"); cache && cache[0] == '/')
+        folders.push_back(fs::path(cache) / "koqdde");
+    if (const char* home = std::getenv("HOME"); home && home[0] == '/')
+        folders.push_back(fs::path(home) / ".cache/koqdde");
+    std::error_code error;
+    if (fs::path temp = fs::temp_directory_path(error); !error)
+        folders.push_back(temp / "koqdde");
+    for (const fs::path& folder : folders) {
+        fs::create_directories(folder, error);
+        if (fs::is_directory(folder, error) && access(folder.c_str(), W_OK) == 0)
+            return (folder / "workbench.png").string();
+    }
+    return fs::absolute("workbench.png", error).string();
+}
+
 // An input file the program can't use ends it: the reason goes to standard error and, when the
 // program runs for someone rather than rendering, into a message box as well.
 int StopOnUnusableFile(const Options& options, const std::string& what) {
@@ -302,15 +331,22 @@ int main(int argc, char** argv) {
         std::fputs(kHelp, stdout);
         return 0;
     }
+    if (options.version) {
+        std::puts("koqdde-workbench " KOQDDE_VERSION);
+        return 0;
+    }
     if (!HasDisplay()) {
         if (options.screenshot.empty())
-            options.screenshot = "build/workbench.png";
+            options.screenshot = DefaultPicturePath();
+        std::error_code error;
         std::printf("koqdde-workbench: no display; rendering the workbench offscreen into %s\n",
-                    options.screenshot.c_str());
+                    std::filesystem::absolute(options.screenshot, error).c_str());
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
     } else if (options.screenshot.empty() && IsOffscreen()) {
         // Nobody could answer a modal loop on a platform that shows nothing.
-        options.screenshot = "build/workbench.png";
+        options.screenshot = DefaultPicturePath();
+        std::printf("koqdde-workbench: offscreen; rendering the workbench into %s\n",
+                    options.screenshot.c_str());
     }
 
     QApplication app(argc, argv);
