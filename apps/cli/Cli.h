@@ -134,6 +134,8 @@ int ParseId(const std::string& text, const std::string& what);
 void PrintCategory(CliContext& ctx, const std::string& category);
 // Ends an edit: saves unless --dry-run, then reports. `ok` is the operation's answer.
 int FinishEdit(CliContext& ctx, bool ok, const std::string& category, int newId = 0);
+// apply COMPONENTS.csv [-o BILL.csv]: the component list through the configuration.
+int ApplyComponentList(CliContext& ctx, std::vector<std::string> raw);
 
 // "; did you mean X?" for the nearest of `names`, or "" when none is near.
 std::string DidYouMean(const std::string& typed, const std::vector<std::string>& names);

@@ -1,5 +1,7 @@
 #include "Json.h"
 
+#include <charconv>
+#include <cmath>
 #include <cstdio>
 
 Json& Json::Set(const std::string& key, Json value) {
@@ -53,6 +55,13 @@ std::string Json::Dump(int indent) const {
         return *b ? "true" : "false";
     if (auto* n = std::get_if<long long>(&m_value))
         return std::to_string(*n);
+    if (auto* d = std::get_if<double>(&m_value)) {
+        if (!std::isfinite(*d))
+            return "null";
+        char text[32];
+        const auto end = std::to_chars(text, text + sizeof text, *d).ptr;
+        return std::string(text, end);
+    }
     if (auto* s = std::get_if<std::string>(&m_value))
         return JsonQuote(*s);
     if (auto* o = std::get_if<Object>(&m_value)) {

@@ -19,6 +19,8 @@ public:
     Json(bool value) : m_value(value) {}
     Json(int value) : m_value(static_cast<long long>(value)) {}
     Json(long long value) : m_value(value) {}
+    // Written as the shortest text that reads back as the same double; not finite is null.
+    Json(double value) : m_value(value) {}
     Json(const char* value) : m_value(std::string(value)) {}
     Json(std::string value) : m_value(std::move(value)) {}
     Json(const CString& value) : m_value(ToUtf8(value)) {}
@@ -37,7 +39,7 @@ public:
     std::string Dump(int indent = 0) const;
 
 private:
-    std::variant<std::nullptr_t, bool, long long, std::string, Object, Array> m_value;
+    std::variant<std::nullptr_t, bool, long long, double, std::string, Object, Array> m_value;
 };
 
 std::string JsonQuote(const std::string& text);

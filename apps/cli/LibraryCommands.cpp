@@ -204,6 +204,10 @@ CString SettleBillNumber(const CString& picked, const ParsedArgs& args,
 }
 
 int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
+    // apply bill|quota puts a library item on a configuration; anything else is a component
+    // list to run through the configuration.
+    if (!raw.empty() && raw[0] != "bill" && raw[0] != "quota" && raw[0].rfind("-", 0) != 0)
+        return ApplyComponentList(ctx, raw);
     ParsedArgs args = ParseArgs(raw, {"--existing", "--suffix", "--qd"});
     const std::string kind = args.positional.empty() ? "" : args.positional[0];
     if ((kind != "bill" && kind != "quota") || args.positional.size() != 4)
@@ -275,17 +279,28 @@ std::vector<CommandSpec> LibraryCommands() {
          "Examples:\n  koqdde lib search 镀锌\n  koqdde lib search 0310010\n"
          "  koqdde --json lib show 031001001\n  koqdde lib search --quotas 螺纹连接",
          Lib},
-        {"apply", "bill|quota CATEGORY CONFIG-ID NUMBER [--existing N|--suffix S] [--qd QD-ID]",
-         "apply a library bill or quota to a configuration",
-         "Takes the item from the project's library with its name, unit, coefficient,\n"
-         "fittings flag and formula (the category's first calculation item when the library\n"
-         "gives none) and adds it, as a pick in the workbench does. A bill is numbered as the\n"
+        {"apply",
+         "bill|quota CATEGORY CONFIG-ID NUMBER [--existing N|--suffix S] [--qd QD-ID] | "
+         "COMPONENTS.csv [-o BILL.csv]",
+         "apply a library item to a configuration, or a component list to the configuration",
+         "apply COMPONENTS.csv runs a component list (docs/bill-of-quantities.md: a column\n"
+         "类别, the quantities L, N, S, an attribute per other column) through the\n"
+         "configuration: each component gets the items of the configuration it matches, with\n"
+         "their formulas over its L, N and S, summed by number into a bill of quantities\n"
+         "(bills, the quotas under each, the configurations' own quotas), followed by the\n"
+         "components only the default configuration took and the rows with problems (exit 1\n"
+         "when there are any). -o BILL.csv writes it as CSV (--force to replace a file).\n\n"
+         "apply bill|quota takes the item from the project's library with its name, unit,\n"
+         "coefficient, fittings flag and formula (the category's first calculation item when\n"
+         "the library gives none) and adds it, as a pick in the workbench does. A bill is numbered "
+         "as the\n"
          "bill number dialog numbers it: a new sequence part after the project's numbers of\n"
          "that bill (or the first free one, by the library's encoding rule); --suffix S gives\n"
          "the sequence part, --existing N takes a number the project already uses. In bill\n"
          "mode a quota goes under a bill (--qd QD-ID); in quota mode to the configuration.\n"
          "Prints the new item's id.\n\n"
-         "Examples:\n  koqdde apply bill '管道\\给水管' 2 031001001\n"
+         "Examples:\n  koqdde apply components.csv -o /tmp/清单.csv\n"
+         "  koqdde apply bill '管道\\给水管' 2 031001001\n"
          "  koqdde apply bill '管道\\给水管' 2 031001001 --existing 031001001002\n"
          "  koqdde apply quota '管道\\给水管' 2 10-1-2 --qd 1",
          Apply},

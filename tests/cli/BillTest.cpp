@@ -1,0 +1,56 @@
+// koqdde apply COMPONENTS.csv: the bill of quantities as text, JSON and CSV, and the output
+// file replaced only when asked.
+#include "CliFixture.h"
+
+#include <fstream>
+
+TEST_F(Cli, AComponentListBecomesABillOfQuantities) {
+    ASSERT_NO_FATAL_FAILURE(Setup({
+        {"config", "add", kPipeArg},
+        {"condition", "add", kPipeArg, "#1", "--attr", "材质", "--eq", "镀锌钢管"},
+        {"qd", "add", kPipeArg, "#1", "--number", "031001001001", "--name", "镀锌钢管", "--unit",
+         "m", "--formula", "L"},
+        {"de", "add", kPipeArg, "#1", "--qd", "1", "--number", "10-1-2", "--unit", "10m",
+         "--formula", "L/10"},
+    }));
+    std::ofstream(Path("list.csv")) << "类别,材质,L\n"
+                                       "管道\\给水管,镀锌钢管,12.5\n"
+                                       "管道/给水管,镀锌钢管,7.5\n"
+                                       "管道\\给水管,PPR管,3\n"
+                                       "管道\\无此管,镀锌钢管,1\n";
+    Result text = Run({"apply", Path("list.csv")});
+    EXPECT_EQ(text.status, 1) << "a row with a problem: " << text.err;
+    for (const char* line : {"1\t031001001001\t镀锌钢管\tm\t20\t2\n", "1.1\t10-1-2\t\t10m\t2\t2\n",
+                             "line 4\t管道\\给水管\t材质=PPR管\n",
+                             "line 5\tthe configuration has no small category \"管道\\无此管\"\n"})
+        EXPECT_TRUE(Has(text.out, line)) << line << "\n" << text.out;
+
+    Result json = Run({"--json", "apply", Path("list.csv")});
+    for (const char* part :
+         {"\"quantity\": 20,", "\"quantity\": 2,", "\"kind\": \"unknownCategory\"",
+          "\"defaultOnly\": [\n    {\n      \"line\": 4"})
+        EXPECT_TRUE(Has(json.out, part)) << part << "\n" << json.out;
+
+    const std::string bill = Path("bill.csv");
+    EXPECT_EQ(Run({"--dry-run", "apply", Path("list.csv"), "-o", bill}).status, 0);
+    EXPECT_FALSE(std::filesystem::exists(bill)) << "a dry run wrote the bill";
+    Run({"apply", Path("list.csv"), "-o", bill});
+    const std::string written = Bytes(bill);
+    EXPECT_TRUE(Has(written,
+                    "序号,编号,名称,单位,工程量,构件数\r\n1,031001001001,镀锌钢管,m,20,2\r\n"
+                    "1.1,10-1-2,,10m,2,2\r\n"))
+        << written;
+    EXPECT_TRUE(Has(written, "仅默认配置,类别,属性\r\n4,管道\\给水管,材质=PPR管\r\n")) << written;
+
+    Result again = Run({"apply", Path("list.csv"), "-o", bill});
+    EXPECT_EQ(again.status, 4) << again.err;
+    EXPECT_TRUE(Has(again.err, "Give --force to replace it")) << again.err;
+    EXPECT_EQ(Run({"--force", "apply", Path("list.csv"), "-o", bill}).status, 1);
+    EXPECT_TRUE(Bytes(bill + ".bak") == written) << "the replaced bill is kept";
+
+    Result missing = Run({"apply", Path("nowhere.csv")});
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_TRUE(Has(missing.err, "nowhere.csv does not exist")) << missing.err;
+    std::ofstream(Path("bad.csv")) << "材质,L\n镀锌钢管,1\n";
+    EXPECT_TRUE(Has(Run({"apply", Path("bad.csv")}).err, "no column 类别"));
+}
