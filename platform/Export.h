@@ -8,3 +8,8 @@
 #else
 #define KOQDDE_API
 #endif
+
+// Exported by the core library only because its sibling, the dialog library, calls it: the
+// stand-ins of the host's libraries, the file, number and message helpers and the rules the
+// dialogs share with the tool. Not part of a host's interface; it changes without notice.
+#define KOQDDE_DIALOGS_API KOQDDE_API

@@ -10,6 +10,7 @@
 // The locks are advisory: only programs that ask for them are held back.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 class FileLock {
 public:
@@ -21,7 +22,7 @@ public:
     };
 
     FileLock() = default;
-    ~FileLock();
+    KOQDDE_DIALOGS_API ~FileLock();
     FileLock(FileLock&& other) noexcept;
     FileLock& operator=(FileLock&& other) noexcept;
     FileLock(const FileLock&) = delete;
@@ -32,7 +33,7 @@ public:
     // go on.
     Outcome LockForEdit(const CString& file, int waitMs = 30000);
     // For as long as the file is open for editing; waits while an edit runs.
-    bool LockShared(const CString& file);
+    KOQDDE_DIALOGS_API bool LockShared(const CString& file);
     void Unlock();
 
     // The lock file that guards `file`.

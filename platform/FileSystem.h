@@ -2,6 +2,7 @@
 // File-system calls the module needs, with the native separator "/".
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 #include <cstdint>
 #include <optional>
@@ -9,14 +10,14 @@
 #include <string_view>
 
 // As _waccess(path, 0) == 0: the path exists (file or folder).
-bool PathExists(const CString& path);
+KOQDDE_DIALOGS_API bool PathExists(const CString& path);
 // As _wmkdir: makes one level only; false when it fails or already exists.
 bool MakeDirectory(const CString& path);
 // Makes every missing level; true when the folder exists afterwards.
 bool MakeDirectories(const CString& path);
 // Copies a file, replacing the target. False when the source can't be read or the target
 // can't be written; the target is replaced atomically.
-bool CopyFileOverwrite(const CString& from, const CString& to);
+KOQDDE_DIALOGS_API bool CopyFileOverwrite(const CString& from, const CString& to);
 // Copies a folder tree, replacing files that exist. False on the first failure.
 bool CopyTree(const CString& from, const CString& to);
 
@@ -114,8 +115,8 @@ private:
 };
 
 // The part after the last separator ("/", and "\\" for paths written on Windows).
-CString FileNameOf(const CString& path);
+KOQDDE_DIALOGS_API CString FileNameOf(const CString& path);
 // The part before the last separator, without it; empty when there is none.
-CString FolderOf(const CString& path);
+KOQDDE_DIALOGS_API CString FolderOf(const CString& path);
 // Joins with "/" unless folder is empty or already ends with a separator.
-CString JoinPath(const CString& folder, const CString& name);
+KOQDDE_DIALOGS_API CString JoinPath(const CString& folder, const CString& name);

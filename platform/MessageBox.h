@@ -4,6 +4,7 @@
 // tests. With no handler installed the text goes to standard error and the answer is IDOK.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 #include <memory>
 
@@ -38,7 +39,7 @@ inline constexpr const wchar_t* kRefusalMark = L"!";
 inline constexpr const wchar_t* kConfirmMark = L"\u3002";
 inline constexpr const wchar_t* kQuestionMark = L"?";
 
-class IMessageBoxHandler {
+class KOQDDE_API IMessageBoxHandler {
 public:
     virtual ~IMessageBoxHandler() = default;
     // owner is an opaque window handle (null for none); returns IDOK, IDYES, IDNO, ...
@@ -46,7 +47,7 @@ public:
 };
 
 // Installs a handler for the lifetime of the scope and restores the previous one after.
-class MessageBoxHandlerScope {
+class KOQDDE_API MessageBoxHandlerScope {
 public:
     explicit MessageBoxHandlerScope(IMessageBoxHandler* handler);
     ~MessageBoxHandlerScope();
@@ -57,14 +58,15 @@ private:
     IMessageBoxHandler* m_previous;
 };
 
-int MessageBoxExW(void* owner, const wchar_t* text, const wchar_t* caption, unsigned flags,
-                  unsigned short language);
-int AfxMessageBox(const CString& text, unsigned flags = MB_OK, unsigned helpId = 0);
+KOQDDE_DIALOGS_API int MessageBoxExW(void* owner, const wchar_t* text, const wchar_t* caption,
+                                     unsigned flags, unsigned short language);
+KOQDDE_DIALOGS_API int AfxMessageBox(const CString& text, unsigned flags = MB_OK,
+                                     unsigned helpId = 0);
 
 // The active window of the UI, or null; the desktop shell installs a provider.
-void* GetActiveWindow();
+KOQDDE_DIALOGS_API void* GetActiveWindow();
 using ActiveWindowProvider = void* (*)();
-void SetActiveWindowProvider(ActiveWindowProvider provider);
+KOQDDE_API void SetActiveWindowProvider(ActiveWindowProvider provider);
 
 // Shows a warning ("Quorvel", kWarningFlags) owned by the active window.
-int ShowWarning(const CString& text);
+KOQDDE_DIALOGS_API int ShowWarning(const CString& text);

@@ -4,10 +4,11 @@
 // empty or non-numeric text gives 0.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 // As _wtoi: decimal, saturating at INT_MIN / INT_MAX on overflow.
-int WToI(const CString& text);
+KOQDDE_DIALOGS_API int WToI(const CString& text);
 // As _wtof: a decimal floating-point prefix, 0.0 when there is none.
 double WToF(const CString& text);
 // As the format "%d".
-CString IntToText(int value);
+KOQDDE_DIALOGS_API CString IntToText(int value);

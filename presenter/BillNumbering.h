@@ -5,6 +5,7 @@
 // both number bills with these.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 #include <functional>
 #include <vector>
@@ -21,18 +22,19 @@ struct BillNumberSplit {
 // the number whole and continue after the highest sequence used; 12/3 splits off the last
 // three characters and looks for a free number from there; 12/1 splits off the last one and
 // continues. Any other rule (-1 included) proposes nothing and keeps the number whole.
-BillNumberSplit SplitBillNumber(const CString& picked, int codeLength, int suffixLength);
+KOQDDE_DIALOGS_API BillNumberSplit SplitBillNumber(const CString& picked, int codeLength,
+                                                   int suffixLength);
 
 // One more than the highest sequence number among the last suffixLength characters of the
 // numbers, back to 0 past the largest that length holds, padded with "0" to suffixLength.
-CString ProposeNextSuffix(const std::vector<CString>& used, int suffixLength);
+KOQDDE_DIALOGS_API CString ProposeNextSuffix(const std::vector<CString>& used, int suffixLength);
 
 // The picked sequence (1 when empty) if prefix + it is not used; else counts upward to the
 // first that makes neither a used number nor a number of the library. Padded to 3 digits; a
 // list with no number used gives the picked sequence padded.
-CString ProposeFreeSuffix(const CString& prefix, const CString& suffix,
-                          const std::vector<CString>& used,
-                          const std::function<bool(const CString&)>& inLibrary);
+KOQDDE_DIALOGS_API CString ProposeFreeSuffix(const CString& prefix, const CString& suffix,
+                                             const std::vector<CString>& used,
+                                             const std::function<bool(const CString&)>& inLibrary);
 
 // The length of a number the numbering makes under the rule: the fixed part it keeps of a
 // library number (codeLength characters, less the sequence part it splits off) and the

@@ -5,6 +5,7 @@
 // refuses the other refuses too.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 #include "store/CAttrConfigStore.h"
 
 #include <vector>
@@ -24,7 +25,8 @@ struct ConditionAttribute {
 
 // The attributes of the small category "专业\大类\小类" in the editor's order: the catalog's,
 // then the measured quantities some categories offer, then the whole component (具体构件).
-std::vector<ConditionAttribute> ConditionAttributes(const CString& smallCategoryPath);
+KOQDDE_DIALOGS_API std::vector<ConditionAttribute>
+ConditionAttributes(const CString& smallCategoryPath);
 
 // The drop-down list a value of `attribute` is chosen from, by the host's lists for the drop
 // keys of the category's attributes; false (and `items` empty) when it has none.
@@ -33,14 +35,14 @@ bool ValueListOf(const ConditionAttribute& attribute,
 
 // What an attribute's setting (AttrConfig.xml) allows; without a record everything is allowed,
 // as the generator's defaults allow it.
-bool TakesRange(const AttrConfig* setting);      // false when set to 不可比较
+KOQDDE_DIALOGS_API bool TakesRange(const AttrConfig* setting); // false when set to 不可比较
 bool TakesTypedValue(const AttrConfig* setting); // false when set to 下拉 (list only)
 
 // Why a range's bounds, read as numbers the way the editor reads them, leave no room: both
 // empty, upper below lower, or closer than 0.01 (compared in double precision, as computed).
 // With one bound empty nothing is read.
 enum class RangeFault { kNone, kNoBound, kSwapped, kTooNarrow };
-RangeFault CheckRangeWidth(const CString& lower, const CString& upper);
+KOQDDE_DIALOGS_API RangeFault CheckRangeWidth(const CString& lower, const CString& upper);
 
 // A bound written as a plain decimal number: an optional sign, digits with at most one point,
 // blanks around; "1e3", "5mm" and "" are not.

@@ -5,13 +5,15 @@
 #include "host/QvBillKit/QvBillKit.h"
 #include "model/QdDeStructs.h"
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 // The bill under number (as settled for this configuration), of the library with this code.
 // The formula is the library's, possibly empty.
-QdStruct QdFromLibrary(const SQdInfo& info, const CString& number, const CString& libraryCode);
-DeStruct DeFromLibrary(const SDeInfo& info, const CString& libraryCode);
+KOQDDE_DIALOGS_API QdStruct QdFromLibrary(const SQdInfo& info, const CString& number,
+                                          const CString& libraryCode);
+KOQDDE_DIALOGS_API DeStruct DeFromLibrary(const SDeInfo& info, const CString& libraryCode);
 
 // The formula of the small category's first calculation item ("专业\大类\小类"). False when the
 // category has no calculation item; formula is then left alone, as it is when the item is
 // unknown.
-bool DefaultFormulaOf(const CString& smallCategoryPath, CString& formula);
+KOQDDE_DIALOGS_API bool DefaultFormulaOf(const CString& smallCategoryPath, CString& formula);

@@ -3,6 +3,7 @@
 // the Windows flags mapped (icon, buttons, default button) and answers IDOK, IDCANCEL, IDYES
 // or IDNO. The mapping is a plain function so that it can be checked without showing a box.
 
+#include "platform/Export.h"
 #include "platform/MessageBox.h"
 
 #include <QMessageBox>
@@ -25,7 +26,7 @@ MessageBoxSpec MapMessageBoxFlags(unsigned flags);
 // The Windows answer for a pressed button (IDOK for anything unknown).
 int MessageBoxResult(QMessageBox::StandardButton button);
 
-class QtMessageBoxHandler : public IMessageBoxHandler {
+class KOQDDE_API QtMessageBoxHandler : public IMessageBoxHandler {
 public:
     // Called with the box before it runs, instead of running it when it returns a button
     // (a test answers the box); an empty hook or QMessageBox::NoButton runs it normally.
@@ -41,6 +42,6 @@ private:
 
 // The active window provider for the desktop program: the QApplication's active modal or
 // active window, as a QWidget*. Install with SetActiveWindowProvider.
-void* QtActiveWindow();
+KOQDDE_API void* QtActiveWindow();
 
 } // namespace koqdde::ui

@@ -3,9 +3,10 @@
 // and write attributes.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 #include "xml/XmlDocument.h"
 
-class XmlVisitor {
+class KOQDDE_API XmlVisitor {
 public:
     XmlVisitor& operator=(const XmlVisitor&) { return *this; }
 

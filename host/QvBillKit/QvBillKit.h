@@ -4,6 +4,7 @@
 
 #include "host/sqlite/ItemLibrary.h"
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 #include <vector>
 
@@ -33,17 +34,17 @@ struct SDeInfo {
 class IBillLib {
 public:
     // The bill with this number; false when the library has none (or there is no library).
-    static bool GetQdInfo(const CString& number, SQdInfo& info);
+    KOQDDE_DIALOGS_API static bool GetQdInfo(const CString& number, SQdInfo& info);
     // The library's encoding rule: code length and sequence length; -1 for what is unknown.
-    static void GetEnCodeRule(int& codeLength, int& suffixLength);
+    KOQDDE_DIALOGS_API static void GetEnCodeRule(int& codeLength, int& suffixLength);
     // Whether the number is a bill of the library.
-    static bool IsInQdk(const CString& number);
+    KOQDDE_DIALOGS_API static bool IsInQdk(const CString& number);
 };
 
 // An item of a library as the kit's records: a bill as the bill kit gives it, a quota as the
 // pickers hand it over.
-SQdInfo ToBillInfo(const LibraryItem& item);
-SDeInfo ToQuotaPick(const LibraryItem& item);
+KOQDDE_DIALOGS_API SQdInfo ToBillInfo(const LibraryItem& item);
+KOQDDE_DIALOGS_API SDeInfo ToQuotaPick(const LibraryItem& item);
 
 // One bill library database, read through the library browser.
 class BillLibrary {

@@ -5,6 +5,7 @@
 // defined here: the length, the count and the area of a component.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 #include <vector>
 
@@ -15,13 +16,13 @@ struct CalcVariable {
 
 // The variables a formula of this small category (specialty\large\small) may use. An unknown
 // category still gets the default set, so the calculator never opens empty.
-std::vector<CalcVariable> GetCalcVariables(const CString& smallCategoryPath);
+KOQDDE_DIALOGS_API std::vector<CalcVariable> GetCalcVariables(const CString& smallCategoryPath);
 
 // True when formula is an expression over numbers, the given variables, + - * / and
 // parentheses; blanks are allowed between the parts. An empty (or blank) formula is accepted:
 // it means that the item has no formula. On false, error says what is wrong and where.
-bool CheckFormula(const CString& formula, const std::vector<CalcVariable>& variables,
-                  CString& error);
+KOQDDE_DIALOGS_API bool CheckFormula(const CString& formula,
+                                     const std::vector<CalcVariable>& variables, CString& error);
 
 // One step of a parsed formula, run on a stack.
 struct FormulaStep {

@@ -5,6 +5,7 @@
 
 #include "host/QvBillKit/QvBillKit.h"
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 #include <vector>
 
@@ -30,40 +31,42 @@ struct SQdDeInfo {
 // Name to id. A path text joins names with one backslash: "给排水", "给排水\管道",
 // "给排水\管道\给水管". False (and the record left alone) for an unknown name.
 bool SpecNameToId(const CString& specName, SQvKoSpecId& id);
-bool BigCategoryNameToId(const CString& path, SQvKoBigCategoryId& id);
-bool SmallCategoryNameToId(const CString& path, SQvKoSmallCategoryId& id);
+KOQDDE_DIALOGS_API bool BigCategoryNameToId(const CString& path, SQvKoBigCategoryId& id);
+KOQDDE_DIALOGS_API bool SmallCategoryNameToId(const CString& path, SQvKoSmallCategoryId& id);
 
 class CProj {
 public:
     CString GetPrjPath() const;
-    CString GetCurrentSpec() const;
-    int GetCurrentSpecId() const;
+    KOQDDE_DIALOGS_API CString GetCurrentSpec() const;
+    KOQDDE_DIALOGS_API int GetCurrentSpecId() const;
 };
 
 class CAtt {
 public:
     // Every specialty of the catalog, in its order.
     bool GetAllSpecNames(CStringArray& names) const;
-    bool GetAllBigCategoryIdsBySpec(const SQvKoSpecId& spec,
-                                    std::vector<SQvKoBigCategoryId>& ids) const;
-    bool GetBigCategoryName(const SQvKoBigCategoryId& id, CString& name) const;
-    bool GetAllSmallCategoryIdsByBigCategory(const SQvKoBigCategoryId& large,
-                                             std::vector<SQvKoSmallCategoryId>& ids) const;
-    bool GetSmallCategoryName(const SQvKoSmallCategoryId& id, CString& name) const;
+    KOQDDE_DIALOGS_API bool GetAllBigCategoryIdsBySpec(const SQvKoSpecId& spec,
+                                                       std::vector<SQvKoBigCategoryId>& ids) const;
+    KOQDDE_DIALOGS_API bool GetBigCategoryName(const SQvKoBigCategoryId& id, CString& name) const;
+    KOQDDE_DIALOGS_API bool
+    GetAllSmallCategoryIdsByBigCategory(const SQvKoBigCategoryId& large,
+                                        std::vector<SQvKoSmallCategoryId>& ids) const;
+    KOQDDE_DIALOGS_API bool GetSmallCategoryName(const SQvKoSmallCategoryId& id,
+                                                 CString& name) const;
 
-    SQdDeInfo::EQdDeMode GetQdDeMode() const;
+    KOQDDE_DIALOGS_API SQdDeInfo::EQdDeMode GetQdDeMode() const;
     // The bill library.
     CString GetQdFileName() const;
-    CString GetQdCode() const;
+    KOQDDE_DIALOGS_API CString GetQdCode() const;
     CString GetQdLocal() const;
     // The quota library that goes with the bill library (bill mode).
     CString GetQdDeFileName() const;
-    CString GetQdDeCode() const;
+    KOQDDE_DIALOGS_API CString GetQdDeCode() const;
     CString GetQdDeYear() const;
     CString GetQdDeLocal() const;
     // The quota library of the quota mode.
     CString GetDeFileName() const;
-    CString GetDeCode() const;
+    KOQDDE_DIALOGS_API CString GetDeCode() const;
     CString GetDeYear() const;
     CString GetDeLocal() const;
 
@@ -72,15 +75,16 @@ public:
     // The drop-down list of the attribute with this code, reached through the drop keys of a
     // small category's attributes (keys, in record order): the first key that an attribute of
     // this code uses in the catalog. False when none of them does.
-    bool GetDropList(const CString& code, CStringArray& items, const CStringArray& keys) const;
+    KOQDDE_DIALOGS_API bool GetDropList(const CString& code, CStringArray& items,
+                                        const CStringArray& keys) const;
 };
 
 class CSysSmallCategoryMng {
 public:
     explicit CSysSmallCategoryMng(const SQvKoSmallCategoryId& id) : m_id(id) {}
     // Four strings per attribute: field, display name, drop-list key, attribute code.
-    bool GetAttributeList(CStringArray& list) const;
-    int GetAttType() const;
+    KOQDDE_DIALOGS_API bool GetAttributeList(CStringArray& list) const;
+    KOQDDE_DIALOGS_API int GetAttType() const;
 
 private:
     SQvKoSmallCategoryId m_id;
@@ -91,14 +95,15 @@ class CQdHistoryMng {
 public:
     // Appends the bills used under this number (those whose number begins with it), in the
     // order they were first used. False when the project has no history.
-    bool GetQdInfoByQdNum(const CString& number, std::vector<SQdInfo>& records) const;
+    KOQDDE_DIALOGS_API bool GetQdInfoByQdNum(const CString& number,
+                                             std::vector<SQdInfo>& records) const;
 };
 
 class CSys {
 public:
     // Where a small category ("专业\大类\小类") opens the bill library's chapter tree:
     // chapter codes from the root joined by "\"; empty when the library doesn't say.
-    static CString GetIndexPath(const CString& treePath);
+    KOQDDE_DIALOGS_API static CString GetIndexPath(const CString& treePath);
 };
 
 namespace QvKoXmlVertion {

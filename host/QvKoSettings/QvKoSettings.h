@@ -3,6 +3,7 @@
 // the application's configuration data and its version.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 class CQvKoVersion {
 public:
@@ -15,10 +16,10 @@ private:
 
 class IQvKoAppProfile {
 public:
-    CString GetConfigPath() const;
+    KOQDDE_DIALOGS_API CString GetConfigPath() const;
     CQvKoVersion GetVersion() const;
 };
 
 namespace QvKoSettings {
-IQvKoAppProfile GetAppProfile();
+KOQDDE_DIALOGS_API IQvKoAppProfile GetAppProfile();
 } // namespace QvKoSettings

@@ -4,6 +4,7 @@
 
 #include "host/sqlite/Sqlite.h"
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 #include <cstddef>
 #include <map>
@@ -41,7 +42,7 @@ public:
 
     // Opens, read-only, the library of this code among files; its kind ("bill" or "quota")
     // says which items it holds. False when none has the code.
-    bool Open(const std::vector<CString>& files, const CString& code);
+    KOQDDE_DIALOGS_API bool Open(const std::vector<CString>& files, const CString& code);
     bool IsOpen() const { return m_db.IsOpen(); }
     // The open database, for the facts of its "library" table and its other tables.
     const SqliteDb& Database() const { return m_db; }
@@ -51,22 +52,23 @@ public:
     // Every chapter, parents before their children and siblings in their order: the order a
     // tree shows them in, top to bottom.
     const std::vector<LibraryChapter>& Chapters() const { return m_chapters; }
-    const LibraryChapter* FindChapter(int id) const;
+    KOQDDE_DIALOGS_API const LibraryChapter* FindChapter(int id) const;
     // The chapter at a position: chapter codes from the root joined by "." (a "\" is taken as
     // well). Codes may hold dots themselves ("8.1"); the codes of the tree decide how the
     // position splits. 0 when no chapter is there.
-    int ChapterAt(const CString& position) const;
+    KOQDDE_DIALOGS_API int ChapterAt(const CString& position) const;
 
     // The items listed under the chapter itself, in their order.
-    std::vector<LibraryItem> ItemsOf(int chapter) const;
+    KOQDDE_DIALOGS_API std::vector<LibraryItem> ItemsOf(int chapter) const;
     // Items whose number starts with text, then items whose name holds every word of text,
     // each group in the tree's order; at most limit of them. Empty text finds nothing.
-    std::vector<LibraryItem> Search(const CString& text, std::size_t limit = kSearchLimit) const;
-    bool Find(const CString& number, LibraryItem& item) const;
+    KOQDDE_DIALOGS_API std::vector<LibraryItem> Search(const CString& text,
+                                                       std::size_t limit = kSearchLimit) const;
+    KOQDDE_DIALOGS_API bool Find(const CString& number, LibraryItem& item) const;
     // In a quota library that goes with bills: the quotas linked to a bill, in the order the
     // library lists them. The link names the bill by its code, so a project's longer number
     // (code and sequence) finds the quotas of its code.
-    std::vector<LibraryItem> QuotasOfBill(const CString& billNumber) const;
+    KOQDDE_DIALOGS_API std::vector<LibraryItem> QuotasOfBill(const CString& billNumber) const;
 
 private:
     void ReadChapters();

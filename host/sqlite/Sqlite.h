@@ -3,6 +3,7 @@
 // that answer from the libraries' databases. Texts cross as UTF-8.
 
 #include "platform/CString.h"
+#include "platform/Export.h"
 
 #include <string>
 
@@ -12,7 +13,7 @@ struct sqlite3_stmt;
 class SqliteDb {
 public:
     SqliteDb() = default;
-    ~SqliteDb();
+    KOQDDE_DIALOGS_API ~SqliteDb();
     SqliteDb(const SqliteDb&) = delete;
     SqliteDb& operator=(const SqliteDb&) = delete;
     SqliteDb(SqliteDb&& other) noexcept;
