@@ -296,7 +296,16 @@ std::optional<CString> FindProjectFile(const CString& packDir, CString& error) {
 
 } // namespace
 
+// A program installed in <prefix>/bin finds the pack installed with it; one run from the build
+// tree finds none there and takes the source tree's.
 CString BundledPackDir() {
+    std::error_code ec;
+    const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+    if (!ec) {
+        const fs::path installed = exe.parent_path().parent_path() / "share/koqdde/sample";
+        if (fs::is_regular_file(installed / ToPath(kCatalogFile), ec))
+            return FromPath(installed);
+    }
     return FromUtf8(KOQDDE_SAMPLE_DIR);
 }
 
@@ -551,8 +560,9 @@ bool LoadLibraries(const CString& packDir, const CString& projectFile, HostData&
         return true; // a pack without libraries: the pickers and numbering find nothing
     // Databases are built beside their sources, except for the bundled pack in the source
     // tree, whose databases go to the build tree: nothing is ever written into the sources.
-    const bool sourceTree = !BundledPackDir().IsEmpty() &&
-                            fs::equivalent(ToPath(packDir), ToPath(BundledPackDir()), ec);
+    const CString sourcePack = FromUtf8(KOQDDE_SAMPLE_DIR);
+    const bool sourceTree =
+        !sourcePack.IsEmpty() && fs::equivalent(ToPath(packDir), ToPath(sourcePack), ec);
     const CString built = sourceTree ? FromUtf8(KOQDDE_SAMPLE_BUILT_DIR) : packDir;
     std::vector<CString> made;
     const CString libraryDbs = Join(built, kLibrariesFolder);

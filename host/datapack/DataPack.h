@@ -12,7 +12,8 @@ struct DataPackOptions {
     CString configDir;   // empty: <pack>/profile; created and seeded when it doesn't exist
 };
 
-// Where the bundled pack lives in the source tree.
+// The bundled pack: <prefix>/share/koqdde/sample beside an installed program, else the
+// source tree's.
 CString BundledPackDir();
 // $XDG_DATA_HOME/koqdde/sample, else $HOME/.local/share/koqdde/sample; empty when neither
 // variable is set.
