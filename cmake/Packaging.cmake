@@ -3,10 +3,12 @@
 
 # The bundled pack the programs start on: an installed program finds it at
 # <prefix>/share/koqdde/sample, beside its own bin/. Databases are built from the .sql sources
-# in the per-user copy, so none is installed.
+# in the per-user copy, so none is installed, nor what a program run on the source tree's pack
+# may have left in it (lock files, backups, the current-configuration record).
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/sample/
   DESTINATION ${CMAKE_INSTALL_DATADIR}/koqdde/sample
-  PATTERN "*.db" EXCLUDE)
+  PATTERN "*.db" EXCLUDE PATTERN ".*" EXCLUDE PATTERN "*.bak" EXCLUDE
+  PATTERN "SysRegedit.ini" EXCLUDE)
 
 set(KOQDDE_PACKAGE_MAINTAINER "KoQdDeConfig maintainers <maintainers@koqdde.example>"
   CACHE STRING "Maintainer field of the .deb")
