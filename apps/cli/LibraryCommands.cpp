@@ -2,6 +2,7 @@
 // configuration with the numbering the bill number dialog uses.
 #include "Cli.h"
 #include "Json.h"
+#include "Translate.h"
 
 #include "host/HostData.h"
 #include "host/QvKoProject/QvKoProject.h"
@@ -23,9 +24,12 @@ ItemLibrary OpenLibrary(bool quotas) {
         !quotas ? project.bill : (project.mode == 0 ? project.billQuota : project.quota);
     ItemLibrary library;
     if (!library.Open(host->libraryFiles, wanted.code))
-        throw UsageError("the project's " + std::string(quotas ? "quota" : "bill") +
-                         " library (code " + ToUtf8(wanted.code) +
-                         ") is not among the data pack's libraries");
+        throw UsageError(quotas ? Tr("the project's quota library (code {1}) is not among the "
+                                     "data pack's libraries",
+                                     {ToUtf8(wanted.code)})
+                                : Tr("the project's bill library (code {1}) is not among the "
+                                     "data pack's libraries",
+                                     {ToUtf8(wanted.code)}));
     return library;
 }
 
@@ -59,9 +63,12 @@ CString ChapterPath(const ItemLibrary& library, int chapter) {
 LibraryItem FindItem(const ItemLibrary& library, const std::string& number, bool quotas) {
     LibraryItem item;
     if (!library.Find(Arg(number), item))
-        throw UsageError("no " + std::string(quotas ? "quota" : "bill") + " \"" + number +
-                         "\" in " + ToUtf8(library.Name()) + " (koqdde lib search" +
-                         (quotas ? " --quotas" : "") + " TEXT finds numbers)");
+        throw UsageError(quotas ? Tr("no quota \"{1}\" in {2} (koqdde lib search --quotas TEXT "
+                                     "finds numbers)",
+                                     {number, ToUtf8(library.Name())})
+                                : Tr("no bill \"{1}\" in {2} (koqdde lib search TEXT finds "
+                                     "numbers)",
+                                     {number, ToUtf8(library.Name())}));
     return item;
 }
 
@@ -72,7 +79,7 @@ int Lib(CliContext& ctx, const std::vector<std::string>& raw) {
     const bool json = ctx.Options().json;
     if (action == "search") {
         if (args.positional.size() != 2 || args.positional[1].empty())
-            throw UsageError("usage: lib search TEXT [--quotas] [--limit N]");
+            throw UsageError(Tr("usage: {1}", {"lib search TEXT [--quotas] [--limit N]"}));
         size_t limit = ItemLibrary::kSearchLimit;
         if (args.values.count("--limit"))
             limit = static_cast<size_t>(std::max(1, ParseId(args.values.at("--limit"), "N")));
@@ -94,7 +101,7 @@ int Lib(CliContext& ctx, const std::vector<std::string>& raw) {
     }
     if (action == "show") {
         if (args.positional.size() != 2)
-            throw UsageError("usage: lib show NUMBER [--quotas]");
+            throw UsageError(Tr("usage: {1}", {"lib show NUMBER [--quotas]"}));
         ItemLibrary library = OpenLibrary(quotas);
         LibraryItem item = FindItem(library, args.positional[1], quotas);
         std::vector<LibraryItem> linked;
@@ -128,7 +135,7 @@ int Lib(CliContext& ctx, const std::vector<std::string>& raw) {
             PrintLine("  quota:    " + ItemLine(quota));
         return kExitTrue;
     }
-    throw UsageError("lib takes search or show");
+    throw UsageError(Tr("lib takes search or show"));
 }
 
 void FillDefaultFormula(CliContext& ctx, const CPath& path, CString& formula) {
@@ -136,10 +143,10 @@ void FillDefaultFormula(CliContext& ctx, const CPath& path, CString& formula) {
         return;
     const CString category = ctx.SmallCategoryPath(path);
     if (!DefaultFormulaOf(category, formula))
-        std::fprintf(stderr,
-                     "koqdde: 计算规则不对应! (%s has no calculation item); the item gets no "
-                     "formula\n",
-                     ToUtf8(category).c_str());
+        std::fprintf(
+            stderr, "koqdde: 计算规则不对应! %s\n",
+            Tr("({1} has no calculation item); the item gets no formula", {ToUtf8(category)})
+                .c_str());
 }
 
 bool Contains(const std::vector<CString>& list, const CString& text) {
@@ -166,19 +173,22 @@ CString SettleBillNumber(const CString& picked, const ParsedArgs& args,
             std::string known;
             for (const CString& h : history)
                 known += (known.empty() ? "" : ", ") + ToUtf8(h);
-            throw UsageError("\"" + ToUtf8(number) + "\" is not among the project's numbers of " +
-                             ToUtf8(split.prefix) +
-                             (known.empty() ? " (it has none)" : " (" + known + ")"));
+            throw UsageError(
+                known.empty()
+                    ? Tr("\"{1}\" is not among the project's numbers of {2} (it has none)",
+                         {ToUtf8(number), ToUtf8(split.prefix)})
+                    : Tr("\"{1}\" is not among the project's numbers of {2} ({3})",
+                         {ToUtf8(number), ToUtf8(split.prefix), known}));
         }
         if (Contains(inConfig, number))
-            throw UsageError("同一构件不能多次套同一清单 ! (" + ToUtf8(number) +
-                             " is already in this configuration)");
+            throw UsageError("同一构件不能多次套同一清单 ! " +
+                             Tr("({1} is already in this configuration)", {ToUtf8(number)}));
         return number;
     }
     if (codeLength == -1 || suffixLength == -1 || split.proposer == SuffixProposer::kNone)
-        throw UsageError("the bill library's encoding rule (" + std::to_string(codeLength) + ", " +
-                         std::to_string(suffixLength) +
-                         ") makes no new numbers; use --existing NUMBER");
+        throw UsageError(Tr("the bill library's encoding rule ({1}, {2}) makes no new numbers; "
+                            "use --existing NUMBER",
+                            {std::to_string(codeLength), std::to_string(suffixLength)}));
     // Unlike the dialog, the proposal also passes the numbers of this configuration, which
     // the history may not hold yet: a script that applies a bill twice gets two numbers.
     std::vector<CString> taken = history;
@@ -191,15 +201,15 @@ CString SettleBillNumber(const CString& picked, const ParsedArgs& args,
     else
         suffix = ProposeFreeSuffix(split.prefix, split.suffix, taken, IBillLib::IsInQdk);
     if (suffix.GetLength() != suffixLength)
-        throw UsageError("新清单号不符合规范! (the sequence part has " +
-                         std::to_string(suffixLength) + " characters)");
+        throw UsageError("新清单号不符合规范! " + Tr("(the sequence part has {1} characters)",
+                                                     {std::to_string(suffixLength)}));
     const CString number = split.prefix + suffix;
     if (Contains(history, number))
-        throw UsageError("清单已经套用! (" + ToUtf8(number) +
-                         " is in the project's history; use --existing)");
+        throw UsageError("清单已经套用! " +
+                         Tr("({1} is in the project's history; use --existing)", {ToUtf8(number)}));
     if (Contains(inConfig, number))
-        throw UsageError("同一构件不能多次套同一清单 ! (" + ToUtf8(number) +
-                         " is already in this configuration)");
+        throw UsageError("同一构件不能多次套同一清单 ! " +
+                         Tr("({1} is already in this configuration)", {ToUtf8(number)}));
     return number;
 }
 
@@ -211,24 +221,25 @@ int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
     ParsedArgs args = ParseArgs(raw, {"--existing", "--suffix", "--qd"});
     const std::string kind = args.positional.empty() ? "" : args.positional[0];
     if ((kind != "bill" && kind != "quota") || args.positional.size() != 4)
-        throw UsageError("usage: apply bill|quota CATEGORY CONFIG-ID NUMBER [options]");
+        throw UsageError(
+            Tr("usage: {1}", {"apply bill|quota CATEGORY CONFIG-ID NUMBER [options]"}));
     CPath path = ctx.ResolveCategory(Arg(args.positional[1]));
     path.ConfigId = ctx.ResolveConfig(path, args.positional[2]);
     ConfigNode* config = ctx.Presenter().GetConfig(path);
     if (!config)
-        throw UsageError("no configuration " + args.positional[2] + " in \"" + args.positional[1] +
-                         "\"");
+        throw UsageError(
+            Tr("no configuration {1} in \"{2}\"", {args.positional[2], args.positional[1]}));
     CAtt att;
     const bool billMode = att.GetQdDeMode() == 0;
     std::vector<ConfigNode*> configs;
 
     if (kind == "bill") {
         if (!billMode)
-            throw UsageError("the project is in quota mode: it takes quotas only");
+            throw UsageError(Tr("the project is in quota mode: it takes quotas only"));
         if (args.values.count("--qd"))
-            throw UsageError("--qd is for quotas");
+            throw UsageError(Tr("--qd is for quotas"));
         if (args.values.count("--existing") && args.values.count("--suffix"))
-            throw UsageError("give --existing or --suffix, not both");
+            throw UsageError(Tr("give --existing or --suffix, not both"));
         const SQdInfo info = ToBillInfo(FindItem(OpenLibrary(false), args.positional[3], false));
         std::vector<CString> inConfig;
         for (QdNode* qd : config->GetQd())
@@ -244,17 +255,17 @@ int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
     }
 
     if (args.values.count("--existing") || args.values.count("--suffix"))
-        throw UsageError("--existing and --suffix are for bills");
+        throw UsageError(Tr("--existing and --suffix are for bills"));
     QdNode* owner = nullptr;
     if (billMode) {
         if (!args.values.count("--qd"))
-            throw UsageError("in bill mode a quota goes under a bill: give --qd QD-ID");
+            throw UsageError(Tr("in bill mode a quota goes under a bill: give --qd QD-ID"));
         path.QdId = ParseId(args.values.at("--qd"), "QD-ID");
         owner = config->GetQd(path.QdId);
         if (!owner)
-            throw UsageError("no bill item " + args.values.at("--qd"));
+            throw UsageError(Tr("no bill item {1}", {args.values.at("--qd")}));
     } else if (args.values.count("--qd")) {
-        throw UsageError("the project is in quota mode: quotas go to the configuration itself");
+        throw UsageError(Tr("the project is in quota mode: quotas go to the configuration itself"));
     }
     LibraryItem item = FindItem(OpenLibrary(true), args.positional[3], true);
     DeStruct de = DeFromLibrary(ToQuotaPick(item), billMode ? att.GetQdDeCode() : att.GetDeCode());
@@ -270,39 +281,44 @@ int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
 std::vector<CommandSpec> LibraryCommands() {
     return {
         {"lib", "search TEXT | show NUMBER [--quotas]",
-         "find and show items of the project's libraries",
-         "search finds items by the start of their number or by any part of their name\n"
-         "(several words: all of them), one per line: number, name, unit (tab-separated);\n"
-         "exit 1 when nothing is found. show prints one item in full and, for a bill in bill\n"
-         "mode, the quotas the quota library links to it. --quotas looks in the quota\n"
-         "library of the project's mode instead of the bill library; --limit N caps a search.\n\n"
-         "Examples:\n  koqdde lib search 镀锌\n  koqdde lib search 0310010\n"
-         "  koqdde --json lib show 031001001\n  koqdde lib search --quotas 螺纹连接",
+         TrNoop("find and show items of the project's libraries"),
+         TrNoop(
+             "search finds items by the start of their number or by any part of their name\n"
+             "(several words: all of them), one per line: number, name, unit (tab-separated);\n"
+             "exit 1 when nothing is found. show prints one item in full and, for a bill in bill\n"
+             "mode, the quotas the quota library links to it. --quotas looks in the quota\n"
+             "library of the project's mode instead of the bill library; --limit N caps a "
+             "search.\n\n"
+             "Examples:\n  koqdde lib search 镀锌\n  koqdde lib search 0310010\n"
+             "  koqdde --json lib show 031001001\n  koqdde lib search --quotas 螺纹连接"),
          Lib},
         {"apply",
          "bill|quota CATEGORY CONFIG-ID NUMBER [--existing N|--suffix S] [--qd QD-ID] | "
          "COMPONENTS.csv [-o BILL.csv]",
-         "apply a library item to a configuration, or a component list to the configuration",
-         "apply COMPONENTS.csv runs a component list (docs/bill-of-quantities.md: a column\n"
-         "类别, the quantities L, N, S, an attribute per other column) through the\n"
-         "configuration: each component gets the items of the configuration it matches, with\n"
-         "their formulas over its L, N and S, summed by number into a bill of quantities\n"
-         "(bills, the quotas under each, the configurations' own quotas), followed by the\n"
-         "components only the default configuration took and the rows with problems (exit 1\n"
-         "when there are any). -o BILL.csv writes it as CSV (--force to replace a file).\n\n"
-         "apply bill|quota takes the item from the project's library with its name, unit,\n"
-         "coefficient, fittings flag and formula (the category's first calculation item when\n"
-         "the library gives none) and adds it, as a pick in the workbench does. A bill is numbered "
-         "as the\n"
-         "bill number dialog numbers it: a new sequence part after the project's numbers of\n"
-         "that bill (or the first free one, by the library's encoding rule); --suffix S gives\n"
-         "the sequence part, --existing N takes a number the project already uses. In bill\n"
-         "mode a quota goes under a bill (--qd QD-ID); in quota mode to the configuration.\n"
-         "Prints the new item's id.\n\n"
-         "Examples:\n  koqdde apply components.csv -o /tmp/清单.csv\n"
-         "  koqdde apply bill '管道\\给水管' 2 031001001\n"
-         "  koqdde apply bill '管道\\给水管' 2 031001001 --existing 031001001002\n"
-         "  koqdde apply quota '管道\\给水管' 2 10-1-2 --qd 1",
+         TrNoop(
+             "apply a library item to a configuration, or a component list to the configuration"),
+         TrNoop(
+             "apply COMPONENTS.csv runs a component list (docs/bill-of-quantities.md: a column\n"
+             "类别, the quantities L, N, S, an attribute per other column) through the\n"
+             "configuration: each component gets the items of the configuration it matches, with\n"
+             "their formulas over its L, N and S, summed by number into a bill of quantities\n"
+             "(bills, the quotas under each, the configurations' own quotas), followed by the\n"
+             "components only the default configuration took and the rows with problems (exit 1\n"
+             "when there are any). -o BILL.csv writes it as CSV (--force to replace a file).\n\n"
+             "apply bill|quota takes the item from the project's library with its name, unit,\n"
+             "coefficient, fittings flag and formula (the category's first calculation item when\n"
+             "the library gives none) and adds it, as a pick in the workbench does. A bill is "
+             "numbered "
+             "as the\n"
+             "bill number dialog numbers it: a new sequence part after the project's numbers of\n"
+             "that bill (or the first free one, by the library's encoding rule); --suffix S gives\n"
+             "the sequence part, --existing N takes a number the project already uses. In bill\n"
+             "mode a quota goes under a bill (--qd QD-ID); in quota mode to the configuration.\n"
+             "Prints the new item's id.\n\n"
+             "Examples:\n  koqdde apply components.csv -o /tmp/清单.csv\n"
+             "  koqdde apply bill '管道\\给水管' 2 031001001\n"
+             "  koqdde apply bill '管道\\给水管' 2 031001001 --existing 031001001002\n"
+             "  koqdde apply quota '管道\\给水管' 2 10-1-2 --qd 1"),
          Apply},
     };
 }
