@@ -164,6 +164,10 @@ std::string BillCsv(const BillOfQuantities& boq) {
 
 } // namespace
 
+bool AppliesComponentList(const std::vector<std::string>& raw) {
+    return !raw.empty() && raw[0] != "bill" && raw[0] != "quota" && raw[0].rfind("-", 0) != 0;
+}
+
 int ApplyComponentList(CliContext& ctx, std::vector<std::string> raw) {
     for (std::string& arg : raw)
         if (arg == "-o")

@@ -136,6 +136,8 @@ void PrintCategory(CliContext& ctx, const std::string& category);
 int FinishEdit(CliContext& ctx, bool ok, const std::string& category, int newId = 0);
 // apply COMPONENTS.csv [-o BILL.csv]: the component list through the configuration.
 int ApplyComponentList(CliContext& ctx, std::vector<std::string> raw);
+// Whether apply's arguments name a component list rather than bill|quota.
+bool AppliesComponentList(const std::vector<std::string>& raw);
 
 // "; did you mean X?" for the nearest of `names`, or "" when none is near.
 std::string DidYouMean(const std::string& typed, const std::vector<std::string>& names);

@@ -216,7 +216,7 @@ CString SettleBillNumber(const CString& picked, const ParsedArgs& args,
 int Apply(CliContext& ctx, const std::vector<std::string>& raw) {
     // apply bill|quota puts a library item on a configuration; anything else is a component
     // list to run through the configuration.
-    if (!raw.empty() && raw[0] != "bill" && raw[0] != "quota" && raw[0].rfind("-", 0) != 0)
+    if (AppliesComponentList(raw))
         return ApplyComponentList(ctx, raw);
     ParsedArgs args = ParseArgs(raw, {"--existing", "--suffix", "--qd"});
     const std::string kind = args.positional.empty() ? "" : args.positional[0];

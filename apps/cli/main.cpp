@@ -170,7 +170,9 @@ int Run(GlobalOptions options, std::vector<std::string> args) {
     // The commands that write the configuration file; they hold its edit lock.
     static const std::set<std::string> kEditing = {
         "config", "condition", "qd", "de", "apply", "open", "new", "save-as", "refresh"};
-    CliContext ctx(options, kEditing.count(name) > 0);
+    // apply with a component list only reads the configuration.
+    const bool readsList = name == "apply" && AppliesComponentList(args);
+    CliContext ctx(options, kEditing.count(name) > 0 && !readsList);
     // Opening a missing file creates it; a refused command must not leave one behind.
     bool fileExisted = options.file.IsEmpty() || PathExists(options.file);
     try {
