@@ -49,48 +49,28 @@ protected:
 
 } // namespace
 
-TEST(UiGrid, MadeOverThePlaceholderWithCellsDataAndColours) {
+TEST(UiGrid, MadeOverThePlaceholderWithRowsOfCells) {
     GridDialog dlg;
     RunDialog(dlg, [&](CDialog&) {
         CRect rc;
         dlg.grid.GetWindowRect(&rc);
         dlg.ScreenToClient(&rc);
         EXPECT_EQ(rc, dlg.placeholder);
-        EXPECT_EQ(dlg.grid.GetDlgCtrlID(), 50002);
 
         CStringArray texts{L"031001001001", L"镀锌钢管", L"m", L"L", L"是", L"dropped"};
         EXPECT_EQ(dlg.grid.InsertOneprop(dlg.grid.GetRowCount(), texts), 1);
         EXPECT_EQ(dlg.grid.GetRowCount(), 2);
         EXPECT_EQ(dlg.grid.GetItemText(1, 1), CString(L"031001001001"));
         EXPECT_EQ(dlg.grid.GetItemText(1, 5), CString(L"是"));
-        dlg.grid.SetItemData(1, 1, 1);
-        dlg.grid.SetItemData(1, 0, 12);
-        EXPECT_EQ(dlg.grid.GetItemData(1, 1), 1);
-        EXPECT_EQ(dlg.grid.GetItemData(1, 0), 12);
         EXPECT_EQ(dlg.grid.GetItemData(2, 1), 0); // past the last row reads 0
         EXPECT_FALSE(dlg.grid.IsValid(2, 1));
-
-        dlg.grid.SetItemBkColour(1, 1, RGB(0xFF, 0xFF, 0x80));
-        EXPECT_EQ(dlg.grid.GetItemBkColour(1, 1), 0x80FFFFu);
-        EXPECT_EQ(dlg.grid.GetItemBkColour(1, 2), CLR_DEFAULT);
-        EXPECT_EQ(dlg.grid.GetTextBkColor(), 0xE0FFFFu);
-
-        dlg.grid.SetItemState(1, 1, dlg.grid.GetItemState(1, 1) | GVIS_READONLY);
-        EXPECT_TRUE(dlg.grid.GetItemState(1, 1) & GVIS_READONLY);
         EXPECT_TRUE(dlg.grid.GetItemState(0, 1) & GVIS_FIXED);
-        EXPECT_EQ(dlg.grid.GetCellType(1, 3), GVCT_DROPLIST);
-        dlg.grid.SetCellType(1, 3, GVCT_EDIT);
-        EXPECT_EQ(dlg.grid.GetCellType(1, 3), GVCT_EDIT);
-        dlg.grid.SetCellType(1, 3, GVCT_DROPLIST);
+        EXPECT_EQ(dlg.grid.GetCellType(1, 3), GVCT_DROPLIST) << "the column's format";
 
         dlg.grid.SetSelectedRange(1, 1, 1, 5);
-        CCellRange range = dlg.grid.GetSelectedCellRange();
-        EXPECT_EQ(range, CCellRange(1, 1, 1, 5));
         EXPECT_TRUE(dlg.grid.IsCellSelected(1, 3));
         dlg.grid.SetSelectedRange(2, 1, 2, 5); // a row that isn't there selects nothing
         EXPECT_FALSE(dlg.grid.GetSelectedCellRange().IsValid());
-        dlg.grid.SetFocusCell(1, 2);
-        EXPECT_EQ(dlg.grid.GetFocusCell(), CCellID(1, 2));
 
         EXPECT_EQ(dlg.grid.InsertRow(L"", 1), 1);
         EXPECT_EQ(dlg.grid.GetItemText(2, 1), CString(L"031001001001"));
