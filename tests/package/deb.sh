@@ -26,6 +26,16 @@ for package in libc6 libstdc++6 libqt6widgets6 libqt6gui6 libqt6core6 libsqlite3
   libpugixml1v5 libexpat1; do
   grep -qxF "$package" <<<"$names" || fail "Depends lacks $package: $depends"
 done
+# Each dependency is a package of the system's archive at a version that satisfies it, so a
+# fresh system of this release installs the package (not checked without package lists).
+if apt-cache show libc6 >/dev/null 2>&1; then
+  while read -r name op version; do
+    candidate=$(apt-cache policy "$name" | awk '/Candidate:/ {print $2}')
+    [ -n "$candidate" ] && [ "$candidate" != "(none)" ] || fail "$name is in no archive"
+    [ -z "$op" ] || dpkg --compare-versions "$candidate" "$op" "$version" ||
+      fail "$name $candidate does not satisfy $op $version"
+  done < <(sed 's/, /\n/g; s/[()]//g' <<<"$depends")
+fi
 
 root=$work/root
 dpkg -x "$deb" "$root"
