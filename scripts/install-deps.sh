@@ -10,6 +10,7 @@ packages=(
   qt6-base-dev fonts-noto-cjk fonts-dejavu-core
   xvfb xauth
   zsh fish gettext
+  dpkg-dev file
   clang libclang-rt-dev
 )
 

@@ -7,7 +7,7 @@
 # Usage: deb.sh BUILD-DIR
 set -euo pipefail
 build=$1
-for tool in dpkg dpkg-deb dpkg-shlibdeps cpack readelf; do
+for tool in dpkg dpkg-deb dpkg-shlibdeps file cpack readelf; do
   command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 77; }
 done
 work=$(mktemp -d)
