@@ -10,11 +10,15 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 cmake --install "$build_dir" --prefix "$work/prefix" >/dev/null
-if grep -rlE '#include <Q' "$work/prefix/include/KoQdDeConfig"/{platform,xml,model,store,presenter,rules,host} |
-  grep -v '/host/ui/'; then
-  echo "FAIL: the core headers above include Qt" >&2
-  exit 1
-fi
+# Every core header compiles without Qt, and every inline function in them, emitted whole, links
+# against what the core library exports: whatever of them a host calls finds its symbols.
+include=$work/prefix/include/KoQdDeConfig
+(cd "$include" && find platform xml model store presenter rules host -name '*.h' -not -path 'host/ui/*' |
+  sort | sed 's/.*/#include "&"/') >"$work/core-headers.cpp"
+core=$(find "$work/prefix" -name libKoQdDeConfigCore.so)
+"${CXX:-c++}" -std=c++20 -fPIC -shared -fkeep-inline-functions -I"$include" "$work/core-headers.cpp" \
+  -o "$work/core-headers.so" "$core" -lpugixml -Wl,--no-undefined ||
+  { echo "FAIL: the core headers need Qt or symbols the core library keeps" >&2; exit 1; }
 configure() {
   cmake -S "$source_dir/examples/$1" -B "$work/$1" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" \
     "${@:2}" >"$work/$1.log" 2>&1 || { cat "$work/$1.log" >&2; exit 1; }
