@@ -11,6 +11,8 @@
 #include <cmath>
 #include <map>
 #include <memory>
+#include <optional>
+#include <unordered_map>
 
 namespace {
 
@@ -22,6 +24,9 @@ struct PreparedItem {
     CompiledFormula formula;
     CString error; // empty when the formula parsed
     CString formulaText;
+    // Where the item's number sits in its list of the bill, found at its first count: rows
+    // after that add to it without looking the number up.
+    std::optional<size_t> slot;
 };
 
 struct PreparedBill {
@@ -35,13 +40,14 @@ struct PreparedConfig {
 };
 
 struct PreparedCategory {
-    std::vector<ConfigNode*> configs;
+    explicit PreparedCategory(const std::vector<ConfigNode*>& configs) : rules(configs) {}
+    RuleList rules;
     std::map<const ConfigNode*, PreparedConfig> items; // filled when a config first wins
 };
 
 PreparedItem Prepare(const CString& number, const CString& name, const CString& unit,
                      const CString& formula, const std::vector<CalcVariable>& variables) {
-    PreparedItem item{&number, &name, &unit, {}, {}, formula};
+    PreparedItem item{&number, &name, &unit, {}, {}, formula, std::nullopt};
     item.formula.Compile(formula, variables, item.error);
     return item;
 }
@@ -71,18 +77,21 @@ BoqItem& ItemOf(BoqBill& bill) {
 
 // Adds a quantity to the row of the item's number, made at its first meeting so the bill
 // keeps the order in which numbers first came.
-template <class Row>
-Row& Tally(std::vector<Row>& rows, std::map<CString, size_t>& index, const PreparedItem& item,
-           double quantity) {
-    auto [it, added] = index.emplace(*item.number, rows.size());
-    if (added) {
-        rows.emplace_back();
-        ItemOf(rows.back()) = {*item.number, *item.name, *item.unit, 0, 0};
+// `indexOf` gives the list's numbers; it is asked only at an item's first count.
+template <class Row, class IndexOf>
+Row& Tally(std::vector<Row>& rows, IndexOf indexOf, PreparedItem& item, double quantity) {
+    if (!item.slot) {
+        auto [it, added] = indexOf().emplace(*item.number, rows.size());
+        if (added) {
+            rows.emplace_back();
+            ItemOf(rows.back()) = {*item.number, *item.name, *item.unit, 0, 0};
+        }
+        item.slot = it->second;
     }
-    BoqItem& total = ItemOf(rows[it->second]);
+    BoqItem& total = ItemOf(rows[*item.slot]);
     total.quantity += quantity;
     ++total.components;
-    return rows[it->second];
+    return rows[*item.slot];
 }
 
 class Runner {
@@ -91,23 +100,22 @@ public:
         : m_out(out), m_variables(GetCalcVariables(L"")) {
         for (const LMember* large : spec.GetAllLMember())
             for (const SMember* small : large->GetAllSMember()) {
-                auto category = std::make_shared<PreparedCategory>();
-                category->configs = small->GetAllConfig();
+                auto category = std::make_shared<PreparedCategory>(small->GetAllConfig());
                 const CString path = large->GetName() + L"\\" + small->GetName();
-                m_categories[path] = category;
-                m_categories[spec.GetSpecName() + L"\\" + path] = category;
+                m_categories[path.str()] = category;
+                m_categories[(spec.GetSpecName() + L"\\" + path).str()] = category;
             }
     }
 
     void Run(const ComponentRow& row) {
         ++m_out.components;
-        auto found = m_categories.find(Normalized(row.category));
+        auto found = m_categories.find(Normalized(row.category).str());
         if (found == m_categories.end()) {
             m_out.problems.push_back({row.line, row.category, "unknownCategory", ""});
             return;
         }
         PreparedCategory& category = *found->second;
-        const ConfigNode* winner = Match(category.configs, row.attributes).Winner();
+        const ConfigNode* winner = category.rules.Winner(row.attributes);
         if (!winner) {
             m_out.problems.push_back({row.line, row.category, "noMatch", ""});
             return;
@@ -119,19 +127,23 @@ public:
             prepared = category.items.emplace(winner, PrepareConfig(*winner, m_variables)).first;
         const double values[] = {row.L, row.N, row.S};
         double quantity = 0;
-        for (const PreparedBill& bill : prepared->second.bills) {
+        for (PreparedBill& bill : prepared->second.bills) {
             // A bill that can't be counted takes its quotas with it.
             if (!Quantity(row, bill.bill, values, quantity))
                 continue;
-            BoqBill& total = Tally(m_out.bills, m_billIndex, bill.bill, quantity);
-            std::map<CString, size_t>& index = m_quotaUnderBill[*bill.bill.number];
-            for (const PreparedItem& quota : bill.quotas)
+            BoqBill& total = Tally(
+                m_out.bills, [&]() -> auto& { return m_billIndex; }, bill.bill, quantity);
+            auto quotaIndex = [&]() -> auto& {
+                return m_quotaUnderBill[*bill.bill.number];
+            };
+            for (PreparedItem& quota : bill.quotas)
                 if (Quantity(row, quota, values, quantity))
-                    Tally(total.quotas, index, quota, quantity);
+                    Tally(total.quotas, quotaIndex, quota, quantity);
         }
-        for (const PreparedItem& quota : prepared->second.quotas)
+        for (PreparedItem& quota : prepared->second.quotas)
             if (Quantity(row, quota, values, quantity))
-                Tally(m_out.quotas, m_quotaIndex, quota, quantity);
+                Tally(
+                    m_out.quotas, [&]() -> auto& { return m_quotaIndex; }, quota, quantity);
     }
 
 private:
@@ -159,7 +171,7 @@ private:
 
     BillOfQuantities& m_out;
     std::vector<CalcVariable> m_variables;
-    std::map<CString, std::shared_ptr<PreparedCategory>> m_categories;
+    std::unordered_map<std::wstring, std::shared_ptr<PreparedCategory>> m_categories;
     std::map<CString, size_t> m_billIndex;
     std::map<CString, size_t> m_quotaIndex;
     std::map<CString, std::map<CString, size_t>> m_quotaUnderBill;

@@ -29,47 +29,60 @@ std::optional<double> ReadNumber(const CString& text) {
     return WToF(text);
 }
 
-ConditionTrial TryCondition(const ConditionNode& condition, const Component& component) {
-    ConditionTrial trial;
-    trial.condition = &condition;
-    if (auto it = component.find(condition.GetCFType()); it != component.end())
-        trial.attributeText = it->second;
-    if (condition.IsEqual()) {
-        const bool same = trial.attributeText == condition.GetValue();
-        if (condition.GetEqualOperator() == kNotEqual)
-            trial.verdict = same ? Verdict::kValueEquals : Verdict::kHeld;
-        else
-            trial.verdict = same ? Verdict::kHeld : Verdict::kValueDiffers;
-        return trial;
-    }
-    const std::optional<double> value = ReadNumber(trial.attributeText);
-    if (!value) {
-        trial.verdict = Verdict::kNotANumber;
-        return trial;
-    }
-    struct Bound {
-        CString text;
-        bool strict;
-        bool lower;
-        Verdict outside;
-    };
-    for (const Bound& bound : {Bound{condition.GetRange1(), condition.GetRangeOperator1() == kAbove,
-                                     true, Verdict::kBelowLower},
-                               Bound{condition.GetRange2(), condition.GetRangeOperator2() == kBelow,
-                                     false, Verdict::kAboveUpper}}) {
-        CString blank = bound.text;
+RuleCondition::RuleCondition(const ConditionNode& condition)
+    : attribute(condition.GetCFType()), isValue(condition.IsEqual()),
+      notEqual(condition.GetEqualOperator() == kNotEqual), value(condition.GetValue()) {
+    if (isValue)
+        return;
+    const CString texts[] = {condition.GetRange1(), condition.GetRange2()};
+    const bool strict[] = {condition.GetRangeOperator1() == kAbove,
+                           condition.GetRangeOperator2() == kBelow};
+    for (int i = 0; i < 2; ++i) {
+        CString blank = texts[i];
         if (blank.Trim().IsEmpty())
             continue; // an open bound
-        const std::optional<double> limit = ReadNumber(bound.text);
+        const std::optional<double> limit = ReadNumber(texts[i]);
         if (!limit) {
-            trial.verdict = Verdict::kBadBound;
-            return trial;
+            badBounds[i] = true;
+            continue;
         }
-        if (!Within(*value, *limit, bound.strict, bound.lower)) {
-            trial.verdict = bound.outside;
-            return trial;
-        }
+        bounds[i] = *limit;
+        strictBounds[i] = strict[i];
     }
+}
+
+Verdict RuleCondition::Judge(const CString& text) const {
+    if (isValue) {
+        const bool same = text == value;
+        if (notEqual)
+            return same ? Verdict::kValueEquals : Verdict::kHeld;
+        return same ? Verdict::kHeld : Verdict::kValueDiffers;
+    }
+    const std::optional<double> number = ReadNumber(text);
+    if (!number)
+        return Verdict::kNotANumber;
+    // Lower bound first, as the condition reads.
+    for (int i = 0; i < 2; ++i) {
+        if (badBounds[i])
+            return Verdict::kBadBound;
+        if (bounds[i] && !Within(*number, *bounds[i], strictBounds[i], i == 0))
+            return i == 0 ? Verdict::kBelowLower : Verdict::kAboveUpper;
+    }
+    return Verdict::kHeld;
+}
+
+const CString& RuleCondition::TextIn(const Component& component) const {
+    static const CString kAbsent;
+    const auto it = component.find(attribute);
+    return it == component.end() ? kAbsent : it->second;
+}
+
+ConditionTrial TryCondition(const ConditionNode& condition, const Component& component) {
+    const RuleCondition rule(condition);
+    ConditionTrial trial;
+    trial.condition = &condition;
+    trial.attributeText = rule.TextIn(component);
+    trial.verdict = rule.Judge(trial.attributeText);
     return trial;
 }
 
@@ -103,6 +116,31 @@ MatchResult Match(const std::vector<ConfigNode*>& configs, const Component& comp
             break;
     }
     return result;
+}
+
+RuleList::RuleList(const std::vector<ConfigNode*>& configs) {
+    for (const ConfigNode* config : configs) {
+        Entry entry{config, {}};
+        for (const ConditionNode* condition : config->GetCondition())
+            entry.conditions.emplace_back(*condition);
+        m_entries.push_back(std::move(entry));
+    }
+}
+
+const ConfigNode* RuleList::Winner(const Component& component) const {
+    for (const Entry& entry : m_entries) {
+        if (entry.config->IfDefault())
+            return entry.config;
+        bool all = true;
+        for (const RuleCondition& condition : entry.conditions)
+            if (condition.Judge(condition.TextIn(component)) != Verdict::kHeld) {
+                all = false;
+                break;
+            }
+        if (all)
+            return entry.config;
+    }
+    return nullptr;
 }
 
 std::vector<CString> TestedAttributes(const std::vector<ConfigNode*>& configs) {

@@ -55,10 +55,43 @@ struct MatchResult {
 // point, blanks around. "DN25", "1e3" and "" are none.
 std::optional<double> ReadNumber(const CString& text);
 
+// A condition read once for many components: its bounds parsed, its texts copied out of the
+// node. TryCondition and RuleList both judge through it, so the rule is written once.
+struct RuleCondition {
+    explicit RuleCondition(const ConditionNode& condition);
+    // The component's text of the attribute; empty when it lacks it.
+    const CString& TextIn(const Component& component) const;
+    Verdict Judge(const CString& text) const;
+
+    CString attribute;
+    bool isValue;
+    bool notEqual;
+    CString value;
+    std::optional<double> bounds[2]; // lower, upper; none for an open bound
+    bool strictBounds[2] = {false, false};
+    bool badBounds[2] = {false, false}; // a bound that is no number holds for nothing
+};
+
 ConditionTrial TryCondition(const ConditionNode& condition, const Component& component);
 ConfigTrial TryConfig(const ConfigNode& config, const Component& component);
 // Tries the configurations in order and stops at the first that matches.
 MatchResult Match(const std::vector<ConfigNode*>& configs, const Component& component);
+
+// The winner alone, without the reasons, for runs over many components: the configurations'
+// conditions are read once. The configurations must outlive it and stay unchanged.
+class RuleList {
+public:
+    explicit RuleList(const std::vector<ConfigNode*>& configs);
+    // Null when nothing matches (a list without its default).
+    const ConfigNode* Winner(const Component& component) const;
+
+private:
+    struct Entry {
+        const ConfigNode* config;
+        std::vector<RuleCondition> conditions;
+    };
+    std::vector<Entry> m_entries;
+};
 
 // The attributes the conditions of `configs` test, each once, in the order first met. A
 // component given for a match is described by the category's attributes and these, since a
