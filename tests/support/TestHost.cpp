@@ -1,5 +1,10 @@
 #include "support/TestHost.h"
 
+#include "host/sqlite/LibraryFiles.h"
+#include "platform/NumParse.h"
+
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -20,6 +25,36 @@ TestHost::TestHost() {
     data.project.currentSpec = L"给排水";
     data.profile.configPath = ConfigDir();
     data.profile.version = L"2.5.0";
+}
+
+CString LibrarySchemaFile() {
+    return FromUtf8(KOQDDE_SOURCE_DIR "/data/sample/libraries/schema.sql");
+}
+
+CString BuildLibrary(const TempDir& dir, const CString& name, const std::string& statements) {
+    const CString db = dir.File(name + L".db");
+    CString error;
+    EXPECT_TRUE(
+        BuildLibraryDatabase(LibrarySchemaFile(), dir.Write(name + L".sql", statements), db, error))
+        << ToUtf8(error);
+    return db;
+}
+
+std::string Fields(const SQdInfo& bill) {
+    return ToUtf8(bill.strQdNum + L"|" + bill.strName + L"|" + bill.strUnit + L"|" +
+                  bill.strFormula + L"|" + IntToText(bill.nUnitCoef) + L"|" +
+                  IntToText(bill.nAnnex) + L"|" + bill.strFeature);
+}
+
+std::string Fields(const SDeInfo& quota) {
+    return ToUtf8(quota.strDeNum + L"|" + quota.strName + L"|" + quota.strUnit + L"|" +
+                  quota.strFormula + L"|" + IntToText(quota.nUnitCoef) + L"|" +
+                  IntToText(quota.nAnnex));
+}
+
+CString TestHost::AddLibrary(const CString& name, const std::string& statements) {
+    data.libraryFiles.push_back(BuildLibrary(dir, name, statements));
+    return data.libraryFiles.back();
 }
 
 CString TestHost::DefaultConfigFile() const {

@@ -3,8 +3,22 @@
 // configuration folder, and a message recorder. Installed while the object lives.
 
 #include "host/HostData.h"
+#include "host/QvBillKit/QvBillKit.h"
 #include "support/MessageRecorder.h"
 #include "support/TempDir.h"
+
+#include <string>
+
+// The bundled pack's library schema.
+CString LibrarySchemaFile();
+// Builds <dir>/<name>.db from INSERT statements on that schema (the test fails when it can't)
+// and gives its path.
+CString BuildLibrary(const TempDir& dir, const CString& name, const std::string& statements);
+
+// A bill or a quota as a library hands it over, on one line:
+// number|name|unit|formula|unit coefficient|annex (and a bill's feature after them).
+std::string Fields(const SQdInfo& bill);
+std::string Fields(const SDeInfo& quota);
 
 class TestHost {
 public:
@@ -24,6 +38,8 @@ public:
     CString ProjectDir() const { return dir.File(L"project"); }
     // The default configuration file of the configuration folder.
     CString DefaultConfigFile() const;
+    // Builds a library database (see BuildLibrary) and adds it to the project's libraries.
+    CString AddLibrary(const CString& name, const std::string& statements);
 
     TempDir dir;
     HostData data;

@@ -2,6 +2,7 @@
 
 #include "platform/FileSystem.h"
 #include "support/TestHost.h"
+#include "support/ui/DialogProbe.h"
 #include "ui/ModalHook.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,6 @@
 #include <tuple>
 
 using koqdde::ui::ClickDlgItem;
-using koqdde::ui::ModalHookScope;
 using koqdde::ui::SelectDlgItem;
 using koqdde::ui::TypeDlgItem;
 
@@ -32,32 +32,15 @@ void AddFile(TestHost& host, const CString& name) {
     host.dir.Write(L"config/自动套配置/" + name, kFile);
 }
 
-// Runs the dialog modally; `act` drives it as the user would, and the result is what OK or
-// Cancel gave (-1 when the dialog is still open at the end).
-int RunDialog(DlgSaveAs& dlg, const std::function<void(CDialog&)>& act) {
-    ModalHookScope hook([&](CDialog& d) {
-        act(d);
-        return d.GetEndResult();
-    });
-    return dlg.DoModal();
-}
+using Texts = std::vector<CString>;
 
-CStringArray Rows(CDialog& dlg) {
-    CStringArray rows;
-    auto* list = dynamic_cast<CListBox*>(dlg.GetDlgItem(kList));
-    if (!list)
-        return rows;
-    for (int i = 0; i < list->GetCount(); ++i)
-        rows.Add(list->GetText(i));
-    return rows;
+int RunDialog(DlgSaveAs& dlg, const std::function<void(CDialog&)>& act) {
+    return koqdde::test::RunModal(dlg, act);
 }
 
 int RowOf(CDialog& dlg, const CString& text) {
-    CStringArray rows = Rows(dlg);
-    for (int i = 0; i < rows.GetSize(); ++i)
-        if (rows[i] == text)
-            return i;
-    return -1;
+    const Texts rows = koqdde::test::ItemTexts(dlg, kList);
+    return static_cast<int>(std::find(rows.begin(), rows.end(), text) - rows.begin());
 }
 
 // Names in the folder, to show that the dialog itself writes nothing.
@@ -71,7 +54,6 @@ std::vector<std::string> FolderContents(const CString& folder) {
 }
 
 const CString kOverwriteQuestion = L"是否覆盖已有配置文件?";
-using Texts = std::vector<CString>;
 
 } // namespace
 
@@ -88,10 +70,7 @@ TEST(DlgSaveAs, ListsTheFolderSortedWithoutExtensionsAndOpenPicksOnlyFromTheList
     DlgSaveAs dlg(DlgSaveAs::kOpen, nullptr, Folder(host) + L"/b.xml");
     int result = RunDialog(dlg, [&](CDialog& d) {
         // Not recursive, any case of the extension, and a folder whose name fits is listed.
-        CStringArray expected{L"a.b", L"b", L"folder", L"Upper"};
-        ASSERT_EQ(Rows(d).GetSize(), expected.GetSize());
-        for (int i = 0; i < expected.GetSize(); ++i)
-            EXPECT_EQ(Rows(d)[i], expected[i]) << i;
+        EXPECT_EQ(koqdde::test::ItemTexts(d, kList), (Texts{L"a.b", L"b", L"folder", L"Upper"}));
 
         EXPECT_FALSE(TypeDlgItem(d, kName, L"typed")) << "only the list can choose";
         auto* type = dynamic_cast<CComboBox*>(d.GetDlgItem(kType));
@@ -137,7 +116,7 @@ TEST(DlgSaveAs, MissingFolderGivesAnEmptyListAndIsNotMadeAndCancelChecksNothing)
     TestHost host;
     DlgSaveAs dlg(DlgSaveAs::kNew, nullptr, L"");
     int result = RunDialog(dlg, [](CDialog& d) {
-        EXPECT_EQ(Rows(d).GetSize(), 0);
+        EXPECT_EQ(koqdde::test::ItemTexts(d, kList), Texts{});
         ASSERT_TRUE(TypeDlgItem(d, kName, L"a|b"));
         ClickDlgItem(d, IDCANCEL);
     });
@@ -205,17 +184,6 @@ TEST(DlgSaveAs, NewFileCannotTakeTheOpenFilesName) {
     EXPECT_EQ(result, IDOK);
     EXPECT_EQ(host.messages.Texts(), Texts{kOverwriteQuestion});
     EXPECT_EQ(create.GetFullFileName(), Folder(host) + L"/other.xml");
-
-    // Saving a copy is given no open file: the open file's name is just another existing name.
-    host.messages.Clear();
-    DlgSaveAs saveAs(DlgSaveAs::kSaveAs, nullptr, L"");
-    host.messages.Answer(IDYES);
-    result = RunDialog(saveAs, [](CDialog& d) {
-        ASSERT_TRUE(TypeDlgItem(d, kName, L"cur"));
-        ClickDlgItem(d, IDOK);
-    });
-    EXPECT_EQ(result, IDOK);
-    EXPECT_EQ(host.messages.Texts(), Texts{kOverwriteQuestion});
 
     // Opening may pick the open file, without any message.
     host.messages.Clear();
