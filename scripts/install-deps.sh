@@ -10,6 +10,7 @@ packages=(
   qt6-base-dev fonts-noto-cjk fonts-dejavu-core
   xvfb xauth
   zsh fish gettext
+  libxlsxwriter-dev unzip
   dpkg-dev file
   clang libclang-rt-dev
 )

@@ -174,7 +174,7 @@ int ApplyComponentList(CliContext& ctx, std::vector<std::string> raw) {
             arg = "--output";
     ParsedArgs args = ParseArgs(raw, {"--output"});
     if (args.positional.size() != 1)
-        throw UsageError(Tr("usage: {1}", {"apply COMPONENTS.csv [-o BILL.csv]"}));
+        throw UsageError(Tr("usage: {1}", {"apply COMPONENTS.csv [-o BILL.csv|BILL.xlsx]"}));
     const CString list = Arg(args.positional[0]);
     ExpectExisting(list);
     const FileBytes bytes = ReadRegularFile(list);
@@ -186,11 +186,16 @@ int ApplyComponentList(CliContext& ctx, std::vector<std::string> raw) {
         throw UsageError(ToUtf8(list) + ": " + error);
 
     CString output;
+    bool xlsx = false;
     if (args.Has("--output")) {
         output = Arg(args.values.at("--output"));
         const std::string name = ToUtf8(output);
-        if (name.size() < 4 || name.compare(name.size() - 4, 4, ".csv") != 0)
-            throw UsageError(Tr("-o writes a .csv file; {1} is not one", {name}));
+        xlsx = name.size() > 5 && name.compare(name.size() - 5, 5, ".xlsx") == 0;
+        if (!xlsx && (name.size() < 4 || name.compare(name.size() - 4, 4, ".csv") != 0))
+            throw UsageError(Tr("-o writes a .csv or .xlsx file; {1} is neither", {name}));
+        if (xlsx && !CanWriteXlsx())
+            throw UsageError(
+                Tr("this koqdde was built without XLSX support (libxlsxwriter); write .csv"));
         ExpectFolderOf(output, "-o");
     }
     const BillOfQuantities boq = ApplyComponents(ctx.Tree(), rows);
@@ -212,8 +217,14 @@ int ApplyComponentList(CliContext& ctx, std::vector<std::string> raw) {
     if (replaces)
         KeepBackup(output);
     std::string why;
-    if (!WriteFileAtomically(output, BillCsv(boq), &why))
+    if (xlsx) {
+        std::vector<std::string> texts;
+        for (const BoqProblem& p : boq.problems)
+            texts.push_back(ProblemText(p));
+        WriteBillXlsx(boq, texts, output);
+    } else if (!WriteFileAtomically(output, BillCsv(boq), &why)) {
         throw std::runtime_error(Tr("cannot write {1}: {2}", {ToUtf8(output), why}));
+    }
     if (ctx.Options().json)
         PrintLine(BillJson(boq).Set("file", output).Dump());
     size_t quotas = boq.quotas.size();

@@ -136,6 +136,12 @@ void PrintCategory(CliContext& ctx, const std::string& category);
 int FinishEdit(CliContext& ctx, bool ok, const std::string& category, int newId = 0);
 // apply COMPONENTS.csv [-o BILL.csv]: the component list through the configuration.
 int ApplyComponentList(CliContext& ctx, std::vector<std::string> raw);
+// The bill as an .xlsx workbook (bill, uncovered components, problems with their texts);
+// throws a UsageError where the tool was built without libxlsxwriter.
+struct BillOfQuantities;
+void WriteBillXlsx(const BillOfQuantities& boq, const std::vector<std::string>& problemTexts,
+                   const CString& file);
+bool CanWriteXlsx();
 // Whether apply's arguments name a component list rather than bill|quota.
 bool AppliesComponentList(const std::vector<std::string>& raw);
 

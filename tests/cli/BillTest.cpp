@@ -2,7 +2,43 @@
 // file replaced only when asked.
 #include "CliFixture.h"
 
+#include <pugixml.hpp>
+
+#include <cstdlib>
 #include <fstream>
+
+namespace {
+
+// A cell of a sheet of an .xlsx file as a spreadsheet shows it: its number, or its text
+// through the shared strings.
+std::string Cell(const std::string& book, int sheet, const char* ref) {
+    auto part = [&](const std::string& name) {
+        const std::string command = "unzip -p '" + book + "' " + name;
+        std::string xml;
+        FILE* pipe = popen(command.c_str(), "r");
+        char buffer[4096];
+        for (size_t n; pipe && (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+            xml.append(buffer, n);
+        if (pipe)
+            pclose(pipe);
+        auto doc = std::make_unique<pugi::xml_document>();
+        doc->load_string(xml.c_str());
+        return doc;
+    };
+    auto cells = part("xl/worksheets/sheet" + std::to_string(sheet) + ".xml");
+    const pugi::xml_node cell =
+        cells->select_node(("//c[@r='" + std::string(ref) + "']").c_str()).node();
+    const std::string value = cell.child("v").text().as_string();
+    if (std::string(cell.attribute("t").as_string()) != "s")
+        return value;
+    auto strings = part("xl/sharedStrings.xml");
+    return strings->select_node(("//si[" + std::to_string(std::stoi(value) + 1) + "]/t").c_str())
+        .node()
+        .text()
+        .as_string();
+}
+
+} // namespace
 
 TEST_F(Cli, AComponentListBecomesABillOfQuantities) {
     ASSERT_NO_FATAL_FAILURE(Setup({
@@ -47,6 +83,19 @@ TEST_F(Cli, AComponentListBecomesABillOfQuantities) {
     EXPECT_TRUE(Has(again.err, "Give --force to replace it")) << again.err;
     EXPECT_EQ(Run({"--force", "apply", Path("list.csv"), "-o", bill}).status, 1);
     EXPECT_TRUE(Bytes(bill + ".bak") == written) << "the replaced bill is kept";
+
+    const std::string book = Path("bill.xlsx");
+    ASSERT_EQ(Run({"apply", Path("list.csv"), "-o", book}).status, 1);
+    for (const auto& [sheet, ref, value] :
+         std::vector<std::tuple<int, const char*, std::string>>{{1, "B2", "031001001001"},
+                                                                {1, "E2", "20"},
+                                                                {1, "A3", "1.1"},
+                                                                {1, "E3", "2"},
+                                                                {2, "A2", "4"},
+                                                                {2, "C2", "材质=PPR管"},
+                                                                {3, "A2", "5"}})
+        EXPECT_EQ(Cell(book, sheet, ref), value) << "sheet " << sheet << " " << ref;
+    EXPECT_EQ(Run({"apply", Path("list.csv"), "-o", Path("bill.txt")}).status, 2);
 
     Result missing = Run({"apply", Path("nowhere.csv")});
     EXPECT_EQ(missing.status, 2);
