@@ -25,26 +25,6 @@ void TwoByThree(TestHost& host) {
 }
 } // namespace
 
-TEST(CategoryTree, EmptyElementGetsEveryCategoryWithItsDefault) {
-    TestHost host;
-    TwoByThree(host);
-    XmlSnippet xml("<给排水 id='2' name='给排水'/>");
-    Spec spec;
-    spec.SetSpecName(L"给排水");
-    ASSERT_TRUE(spec.ReadData(xml.Root()));
-    EXPECT_EQ(spec.GetId(), 2);
-    EXPECT_EQ(Shape(spec),
-              (std::vector<std::wstring>{L"管道(1): 给水管(101)#1 排水管(102)#1 雨水管(103)#1",
-                                         L"阀门仪表(2): 阀门(201)#1 水表(202)#1 过滤器(203)#1"}));
-    EXPECT_EQ(spec.GetLMember(2)->GetSMember(202)->GetParent(), spec.GetLMember(2));
-    // The DOM grew by the elements the reading made.
-    XmlNode large = xml.Root().first_child();
-    EXPECT_STREQ(large.name(), "LMember");
-    EXPECT_STREQ(large.attribute("id").value(), "1");
-    EXPECT_STREQ(large.first_child().name(), "SMember");
-    EXPECT_FALSE(large.first_child().attribute("id")) << "a new SMember element has a name only";
-}
-
 TEST(CategoryTree, ProjectDecidesWhatIsReadAndInWhichOrder) {
     TestHost host;
     TwoByThree(host);

@@ -77,10 +77,6 @@ TEST(ConditionNode, CopyLosesIdAssignKeepsItResetKeepsOwn) {
     EXPECT_EQ(copy.GetParent(), nullptr);
     EXPECT_EQ(copy.GetValue(), L"铜");
 
-    std::unique_ptr<ConditionNode> clone(source.Clone());
-    EXPECT_EQ(clone->GetId(), 0);
-    EXPECT_EQ(clone->GetParent(), nullptr);
-
     ConditionNode assigned;
     assigned = source;
     EXPECT_EQ(assigned.GetId(), 7);

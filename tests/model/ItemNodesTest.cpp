@@ -61,26 +61,6 @@ TEST(QdNode, WithoutQuotaListReadsEmptyAndWritesOne) {
               "<De/></qd>");
 }
 
-TEST(QdNode, CloneKeepsIdsOrderAndReparentsQuotas) {
-    ConfigNode owner;
-    QdNode qd;
-    qd.SetId(5);
-    qd.SetParent(&owner);
-    qd.m_qd = Bill(L"031001001001");
-    qd.AddDe(Quota(L"a"));
-    qd.AddDe(Quota(L"b"));
-    qd.DelDe({1});
-    std::unique_ptr<QdNode> copy(qd.Clone());
-    EXPECT_EQ(copy->GetId(), 5);
-    EXPECT_EQ(copy->GetParent(), &owner);
-    EXPECT_EQ(copy->GetLastDeId(), 2);
-    ASSERT_EQ(copy->GetDe().size(), 1u);
-    EXPECT_EQ(copy->GetDe()[0]->GetId(), 2);
-    EXPECT_EQ(copy->GetDe()[0]->m_de.strDeId, L"b");
-    EXPECT_EQ(copy->GetDe()[0]->GetParent(), copy.get());
-    EXPECT_NE(copy->GetDe()[0], qd.GetDe()[0]);
-}
-
 TEST(ConfigNode, CountersAreMendedByIdsButNotLowered) {
     XmlSnippet xml("<list>"
                    "<Config id='3' LastQdId='2' LastConditionId='0' bDefault='0' LastDeId='x'>"
@@ -224,6 +204,9 @@ TEST(ConfigNode, CloneCopiesEverythingButConditionIds) {
     config.AddQd(Bill(L"1"));
     config.AddQd(Bill(L"2"));
     config.DelQd({1});
+    config.GetQd(2)->AddDe(Quota(L"a"));
+    config.GetQd(2)->AddDe(Quota(L"b"));
+    config.GetQd(2)->DelDe({1});
     config.AddDe(Quota(L"q"));
     config.AddDe(Quota(L"r"));
     config.AddDe(Quota(L"s"));
@@ -237,6 +220,14 @@ TEST(ConfigNode, CloneCopiesEverythingButConditionIds) {
     ASSERT_EQ(copy->GetQd().size(), 1u);
     EXPECT_EQ(copy->GetQd()[0]->GetId(), 2);
     EXPECT_EQ(copy->GetQd()[0]->GetParent(), copy.get());
+    // The bill's quotas are copied too, ids, counter and all, and belong to the copy's bill.
+    const QdNode* bill = copy->GetQd()[0];
+    ASSERT_EQ(bill->GetDe().size(), 1u);
+    EXPECT_EQ(bill->GetDe()[0]->m_de.strDeId, L"b");
+    EXPECT_EQ(bill->GetDe()[0]->GetId(), 2);
+    EXPECT_EQ(bill->GetDe()[0]->GetParent(), bill);
+    EXPECT_EQ(bill->GetLastDeId(), 2);
+    EXPECT_NE(bill->GetDe()[0], config.GetQd(2)->GetDe()[0]);
     // Several quotas keep their order and ids.
     ASSERT_EQ(copy->GetDe().size(), 3u);
     EXPECT_EQ(copy->GetDe()[0]->m_de.strDeId, L"q");
