@@ -294,7 +294,7 @@ std::vector<CommandSpec> LibraryCommands() {
          Lib},
         {"apply",
          "bill|quota CATEGORY CONFIG-ID NUMBER [--existing N|--suffix S] [--qd QD-ID] | "
-         "COMPONENTS.csv [-o BILL.csv]",
+         "COMPONENTS.csv [-o BILL.csv|BILL.xlsx]",
          TrNoop(
              "apply a library item to a configuration, or a component list to the configuration"),
          TrNoop(
@@ -304,7 +304,8 @@ std::vector<CommandSpec> LibraryCommands() {
              "their formulas over its L, N and S, summed by number into a bill of quantities\n"
              "(bills, the quotas under each, the configurations' own quotas), followed by the\n"
              "components only the default configuration took and the rows with problems (exit 1\n"
-             "when there are any). -o BILL.csv writes it as CSV (--force to replace a file).\n\n"
+             "when there are any). -o BILL.csv or -o BILL.xlsx writes it as CSV or as a workbook\n"
+             "(--force to replace a file).\n\n"
              "apply bill|quota takes the item from the project's library with its name, unit,\n"
              "coefficient, fittings flag and formula (the category's first calculation item when\n"
              "the library gives none) and adds it, as a pick in the workbench does. A bill is "
