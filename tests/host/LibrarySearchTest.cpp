@@ -4,16 +4,11 @@
 #include "host/sqlite/ItemLibrary.h"
 #include "host/sqlite/LibraryFiles.h"
 #include "platform/FileSystem.h"
-#include "support/TempDir.h"
+#include "support/TestHost.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <filesystem>
-
 namespace {
-
-const CString kSchema = FromUtf8(KOQDDE_SOURCE_DIR "/data/sample/libraries/schema.sql");
 
 // Root 0310 comes before 0304 in the tree, though its code sorts after it.
 const char* const kBills = R"(
@@ -49,16 +44,9 @@ INSERT INTO bill_quota (bill, quota, position) VALUES
 )";
 
 struct TestLibraries {
-    TestLibraries() {
-        CString error;
-        for (auto [name, source] : {std::pair{L"bills", kBills}, {L"quotas", kQuotas}})
-            EXPECT_TRUE(BuildLibraryDatabase(kSchema, dir.Write(CString(name) + L".sql", source),
-                                             dir.File(CString(name) + L".db"), error))
-                << ToUtf8(error);
-        files = DatabaseFilesIn(dir.Path());
-    }
     TempDir dir;
-    std::vector<CString> files;
+    std::vector<CString> files = {BuildLibrary(dir, L"bills", kBills),
+                                  BuildLibrary(dir, L"quotas", kQuotas)};
 };
 
 std::vector<CString> Numbers(const std::vector<LibraryItem>& items) {
@@ -193,20 +181,4 @@ TEST(LibrarySearch, QuotasLinkedToABillByItsCode) {
     EXPECT_TRUE(quotas.QuotasOfBill(L"03100300").empty()) << "part of a code links nothing";
     EXPECT_TRUE(quotas.QuotasOfBill(L"").empty());
     EXPECT_TRUE(bills.QuotasOfBill(L"031003001").empty()) << "bill libraries hold no links";
-}
-
-TEST(LibrarySearch, ANewerSchemaRebuildsTheDatabases) {
-    TempDir dir;
-    const CString schema = dir.Write(L"schema.sql", *ReadFileBytes(kSchema));
-    dir.Write(L"bills.sql", kBills);
-    std::vector<CString> built;
-    CString error;
-    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), schema, dir.Path(), built, error));
-    ASSERT_EQ(built.size(), 1u);
-    built.clear();
-    namespace fs = std::filesystem;
-    fs::last_write_time(ToUtf8(schema), fs::last_write_time(ToUtf8(dir.File(L"bills.db"))) +
-                                            std::chrono::seconds(5));
-    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), schema, dir.Path(), built, error));
-    EXPECT_EQ(built, Strings{dir.File(L"bills.db")});
 }

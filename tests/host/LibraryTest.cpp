@@ -15,8 +15,6 @@
 
 namespace {
 
-const CString kSchema = FromUtf8(KOQDDE_SOURCE_DIR "/data/sample/libraries/schema.sql");
-
 const char* const kBills = R"(
 INSERT INTO library (key, value) VALUES ('kind', 'bill'), ('code', '{B}'),
   ('code_len', '12'), ('suffix_len', '3');
@@ -45,18 +43,11 @@ INSERT INTO qd_history (number, name, unit, position) VALUES
 
 struct Libraries {
     Libraries() {
-        CString error;
-        for (auto [name, source] :
-             {std::pair{L"bills", kBills}, {L"rules", kRules}, {L"history", kHistory}}) {
-            const CString sql = dir.Write(CString(name) + L".sql", source);
-            EXPECT_TRUE(BuildLibraryDatabase(kSchema, sql, dir.File(CString(name) + L".db"), error))
-                << ToUtf8(error);
-        }
-        host.data.libraryFiles = DatabaseFilesIn(dir.Path());
-        host.data.historyFile = dir.File(L"history.db");
+        host.AddLibrary(L"bills", kBills);
+        host.AddLibrary(L"rules", kRules);
+        host.data.historyFile = BuildLibrary(host.dir, L"history", kHistory);
         host.data.project.bill.code = L"{B}";
     }
-    TempDir dir;
     TestHost host;
 };
 
@@ -66,14 +57,9 @@ TEST(Libraries, BillLibraryAnswersByNumberRuleAndTreePosition) {
     Libraries libraries;
     SQdInfo info;
     ASSERT_TRUE(IBillLib::GetQdInfo(L"031001006002", info));
-    EXPECT_EQ(info.strName, L"塑料管(热熔)");
-    EXPECT_EQ(info.strUnit, L"10m");
-    EXPECT_EQ(info.nUnitCoef, 10);
-    EXPECT_EQ(info.nAnnex, 0);
+    EXPECT_EQ(Fields(info), "031001006002|塑料管(热熔)|10m||10|0|");
     ASSERT_TRUE(IBillLib::GetQdInfo(L"031001006001", info));
-    EXPECT_EQ(info.nAnnex, 1);
-    EXPECT_EQ(info.strFormula, L"L");
-    EXPECT_EQ(info.strFeature, L"1.材质");
+    EXPECT_EQ(Fields(info), "031001006001|塑料管|m|L|1|1|1.材质");
     EXPECT_FALSE(IBillLib::GetQdInfo(L"031001006", info)) << "a prefix is no bill";
     EXPECT_TRUE(IBillLib::IsInQdk(L"031001006002"));
     EXPECT_FALSE(IBillLib::IsInQdk(L"031001006003"));
@@ -129,19 +115,24 @@ TEST(Libraries, StaleDatabasesAreRebuiltAndABrokenSourceNamesItself) {
     const CString source = dir.Write(L"lib.sql", kBills);
     std::vector<CString> built;
     CString error;
-    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), kSchema, dir.Path(), built, error))
-        << ToUtf8(error);
+    const CString schema = dir.Write(L"schema.sql", *ReadFileBytes(LibrarySchemaFile()));
+    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), schema, dir.Path(), built, error)) << ToUtf8(error);
+    EXPECT_EQ(built, std::vector<CString>{dir.File(L"lib.db")}) << "the schema is no library";
+    built.clear();
+    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), schema, dir.Path(), built, error));
+    EXPECT_TRUE(built.empty()) << "fresh databases stay";
+    // A newer schema builds them again.
+    namespace fs = std::filesystem;
+    const auto later = fs::last_write_time(ToUtf8(dir.File(L"lib.db"))) + std::chrono::seconds(5);
+    fs::last_write_time(ToUtf8(schema), later);
+    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), schema, dir.Path(), built, error));
     EXPECT_EQ(built, std::vector<CString>{dir.File(L"lib.db")});
     built.clear();
-    ASSERT_TRUE(BuildStaleDatabases(dir.Path(), kSchema, dir.Path(), built, error));
-    EXPECT_TRUE(built.empty()) << "fresh databases stay";
 
     // A newer source is built again; a broken one leaves the old database in place.
     dir.Write(L"lib.sql", std::string(kBills) + "INSERT INTO bill (number) VALUES ('x');");
-    namespace fs = std::filesystem;
-    fs::last_write_time(ToUtf8(source),
-                        fs::last_write_time(ToUtf8(dir.File(L"lib.db"))) + std::chrono::seconds(5));
-    EXPECT_FALSE(BuildStaleDatabases(dir.Path(), kSchema, dir.Path(), built, error));
+    fs::last_write_time(ToUtf8(source), later + std::chrono::seconds(5));
+    EXPECT_FALSE(BuildStaleDatabases(dir.Path(), schema, dir.Path(), built, error));
     EXPECT_NE(error.Find(L"lib.sql"), -1) << ToUtf8(error);
     EXPECT_NE(error.Find(L"NOT NULL"), -1) << ToUtf8(error);
     SqliteDb db;
@@ -152,7 +143,7 @@ TEST(Libraries, StaleDatabasesAreRebuiltAndABrokenSourceNamesItself) {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(ToUtf8(dir.Path())))
         names.push_back(entry.path().filename().string());
-    EXPECT_EQ(names.size(), 2u) << "the source and its database only";
+    EXPECT_EQ(names.size(), 3u) << "the schema, the source and its database only";
 }
 
 TEST(Libraries, TheBundledPackAnswersThroughTheStandIns) {
@@ -164,8 +155,7 @@ TEST(Libraries, TheBundledPackAnswersThroughTheStandIns) {
     HostDataScope scope(&data);
     SQdInfo info;
     ASSERT_TRUE(IBillLib::GetQdInfo(L"031001001", info));
-    EXPECT_EQ(info.strName, L"镀锌钢管");
-    EXPECT_EQ(info.nAnnex, 1);
+    EXPECT_TRUE(Fields(info).starts_with("031001001|镀锌钢管|m|")) << Fields(info);
     int code = 0, suffix = 0;
     IBillLib::GetEnCodeRule(code, suffix);
     EXPECT_EQ(code, 9);
