@@ -186,3 +186,17 @@ BillOfQuantities ApplyComponents(const Spec& spec, const std::vector<ComponentRo
         runner.Run(row);
     return out;
 }
+
+void ForEachBillLine(const BillOfQuantities& boq,
+                     const std::function<void(const std::string& no, const BoqItem& item)>& line) {
+    int position = 0;
+    for (const BoqBill& bill : boq.bills) {
+        const std::string no = std::to_string(++position);
+        line(no, bill.item);
+        int sub = 0;
+        for (const BoqItem& quota : bill.quotas)
+            line(no + "." + std::to_string(++sub), quota);
+    }
+    for (const BoqItem& quota : boq.quotas)
+        line(std::to_string(++position), quota);
+}

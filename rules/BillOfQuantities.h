@@ -6,6 +6,7 @@
 #include "platform/CString.h"
 #include "rules/Matcher.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -47,3 +48,8 @@ struct BillOfQuantities {
 
 // Runs the rows through the specialty's configurations. The rows must outlive the result.
 BillOfQuantities ApplyComponents(const Spec& spec, const std::vector<ComponentRow>& rows);
+
+// The bill's lines in order with their numbers as printed: a bill 1, 2..., the quotas under it
+// 1.1, 1.2..., then the configurations' own quotas continuing the count.
+void ForEachBillLine(const BillOfQuantities& boq,
+                     const std::function<void(const std::string& no, const BoqItem& item)>& line);

@@ -96,21 +96,11 @@ std::string ProblemText(const BoqProblem& p) {
 
 void PrintBill(const BillOfQuantities& boq) {
     PrintLine(Tr("No.\tNumber\tName\tUnit\tQuantity\tComponents"));
-    int position = 0;
-    auto line = [](const std::string& no, const BoqItem& item) {
+    ForEachBillLine(boq, [](const std::string& no, const BoqItem& item) {
         PrintLine(no + "\t" + ToUtf8(item.number) + "\t" + ToUtf8(item.name) + "\t" +
                   ToUtf8(item.unit) + "\t" + Quantity(item.quantity) + "\t" +
                   std::to_string(item.components));
-    };
-    for (const BoqBill& bill : boq.bills) {
-        const std::string no = std::to_string(++position);
-        line(no, bill.item);
-        int sub = 0;
-        for (const BoqItem& quota : bill.quotas)
-            line(no + "." + std::to_string(++sub), quota);
-    }
-    for (const BoqItem& quota : boq.quotas)
-        line(std::to_string(++position), quota);
+    });
     if (!boq.defaultOnly.empty()) {
         PrintLine("");
         PrintLine(Tr("Only the default configuration (其它) took these {1} component(s):",
@@ -132,21 +122,11 @@ void PrintBill(const BillOfQuantities& boq) {
 // a header row of its own.
 std::string BillCsv(const BillOfQuantities& boq) {
     std::string out = "\xEF\xBB\xBF序号,编号,名称,单位,工程量,构件数\r\n";
-    auto row = [&](const std::string& no, const BoqItem& item) {
+    ForEachBillLine(boq, [&](const std::string& no, const BoqItem& item) {
         out += no + "," + CsvField(ToUtf8(item.number)) + "," + CsvField(ToUtf8(item.name)) + "," +
                CsvField(ToUtf8(item.unit)) + "," + Exact(item.quantity) + "," +
                std::to_string(item.components) + "\r\n";
-    };
-    int position = 0;
-    for (const BoqBill& bill : boq.bills) {
-        const std::string no = std::to_string(++position);
-        row(no, bill.item);
-        int sub = 0;
-        for (const BoqItem& quota : bill.quotas)
-            row(no + "." + std::to_string(++sub), quota);
-    }
-    for (const BoqItem& quota : boq.quotas)
-        row(std::to_string(++position), quota);
+    });
     if (!boq.defaultOnly.empty()) {
         out += "\r\n仅默认配置,类别,属性\r\n";
         for (const ComponentRow* r : boq.defaultOnly)

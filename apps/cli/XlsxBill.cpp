@@ -51,16 +51,8 @@ void WriteBillXlsx(const BillOfQuantities& boq, const std::vector<std::string>& 
     Row(bills, 0, {"序号", "编号", "名称", "单位", "工程量", "构件数"});
     worksheet_set_column(bills, 1, 2, 24, nullptr);
     lxw_row_t row = 1;
-    int position = 0;
-    for (const BoqBill& bill : boq.bills) {
-        const std::string no = std::to_string(++position);
-        Item(bills, row++, no, bill.item);
-        int sub = 0;
-        for (const BoqItem& quota : bill.quotas)
-            Item(bills, row++, no + "." + std::to_string(++sub), quota);
-    }
-    for (const BoqItem& quota : boq.quotas)
-        Item(bills, row++, std::to_string(++position), quota);
+    ForEachBillLine(
+        boq, [&](const std::string& no, const BoqItem& item) { Item(bills, row++, no, item); });
 
     lxw_worksheet* uncovered = workbook_add_worksheet(book, "仅默认配置");
     Row(uncovered, 0, {"行", "类别", "属性"});
