@@ -163,8 +163,7 @@ TEST(AttConfigDlg, ApplyAndCopyChangeTheDialogsRecordsOnly) {
         ASSERT_TRUE(SelectDlgItem(d, kSmallList, 1));
         ClickDlgItem(d, kCopy);
         ASSERT_EQ(host.messages.Texts(), Texts{L"源属性配置获取失败!"});
-        EXPECT_EQ(host.messages.Messages()[0].caption, L"Quorvel");
-        EXPECT_EQ(host.messages.Messages()[0].flags, 0x12030u);
+        EXPECT_EQ(host.messages.Messages()[0].flags, kWarningFlags);
         EXPECT_EQ(Shown(d), (Numbers{2, 1, 0}));
         host.messages.Clear();
 

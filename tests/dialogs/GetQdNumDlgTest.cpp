@@ -3,7 +3,6 @@
 
 #include "dialogs/CDlgGetQdNum.h"
 
-#include "host/sqlite/LibraryFiles.h"
 #include "platform/NumParse.h"
 #include "support/TestHost.h"
 #include "support/ui/DialogProbe.h"
@@ -34,14 +33,7 @@ using Texts = std::vector<CString>;
 // A database of the statements, under a name of its own.
 CString Build(TestHost& host, const std::string& sql) {
     static int serial = 0;
-    const CString name = L"db" + IntToText(++serial);
-    const CString db = host.dir.File(name + L".db");
-    CString error;
-    EXPECT_TRUE(
-        BuildLibraryDatabase(FromUtf8(KOQDDE_SOURCE_DIR "/data/sample/libraries/schema.sql"),
-                             host.dir.Write(name + L".sql", sql), db, error))
-        << ToUtf8(error);
-    return db;
+    return BuildLibrary(host.dir, L"db" + IntToText(++serial), sql);
 }
 
 // The project's bill library: its encoding rule and its bill numbers.
@@ -83,8 +75,7 @@ bool Enabled(CDialog& d, int id) {
 void ExpectRefusal(TestHost& host, CDialog& d, const wchar_t* text) {
     EXPECT_FALSE(d.IsEnded()) << ToUtf8(CString(text));
     ASSERT_EQ(host.messages.Texts(), Texts{text});
-    EXPECT_EQ(host.messages.Messages()[0].caption, L"Quorvel");
-    EXPECT_EQ(host.messages.Messages()[0].flags, 0x12030u);
+    EXPECT_EQ(host.messages.Messages()[0].flags, kWarningFlags);
     host.messages.Clear();
 }
 
