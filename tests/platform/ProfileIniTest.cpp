@@ -220,18 +220,17 @@ TEST(ProfileIniTest, AWriteChangesHowNoOtherKeyReads) {
 }
 
 TEST(ProfileIniTest, RefusesWritesThatWouldReadOtherwise) {
+    // Each would read back as another section, key or value; the last no encoding holds.
+    const wchar_t* const refused[][3] = {{L"s", L"k=j", L"v"},         {L"s]t", L"k", L"v"},
+                                         {L"s", L";k", L"v"},          {L"s", L" ", L"v"},
+                                         {L"s", L"k", L"1\n[t]\nk=2"}, {L"s", L"k", L"1\r2"},
+                                         {L"s\n", L"k", L"v"},         {L"s", L"k", L"\xD800"}};
     TempDir dir;
     for (const std::string& bytes : {std::string("[s]\nk=1\n"), std::string("[s]\nk=\xC5\xE4\n")}) {
         CString file = dir.Write(L"p.ini", bytes);
-        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L"k=j", L"v", file));
-        EXPECT_FALSE(WritePrivateProfileStringW(L"s]t", L"k", L"v", file));
-        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L";k", L"v", file));
-        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L" ", L"v", file));
-        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L"k", L"1\n[t]\nk=2", file));
-        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L"k", L"1\r2", file));
-        EXPECT_FALSE(WritePrivateProfileStringW(L"s\n", L"k", L"v", file));
-        EXPECT_FALSE(WritePrivateProfileStringW(L"s", L"k", L"\xD800", file))
-            << "no encoding holds it";
+        for (const auto& [section, key, value] : refused)
+            EXPECT_FALSE(WritePrivateProfileStringW(section, key, value, file))
+                << ToUtf8(CString(section)) << " " << ToUtf8(CString(key));
         EXPECT_EQ(dir.Read(L"p.ini"), bytes);
     }
 }

@@ -69,7 +69,7 @@ TEST(CStringTest, Utf8RoundTripAndInvalidBytes) {
     EXPECT_EQ(ToUtf8(CString(std::wstring(1, wchar_t(0xD800)))), "\xEF\xBF\xBD");
 }
 
-TEST(NumParseTest, IntegersStopAtTheFirstNonDigit) {
+TEST(NumParseTest, IntegersStopAtTheFirstNonDigitAndPrintAsPercentD) {
     EXPECT_EQ(WToI(L" -12abc"), -12);
     EXPECT_EQ(WToI(L"\t+7"), 7);
     EXPECT_EQ(WToI(L""), 0);
@@ -79,6 +79,11 @@ TEST(NumParseTest, IntegersStopAtTheFirstNonDigit) {
     EXPECT_EQ(WToI(L"-99999999999999999999"), INT_MIN);
     EXPECT_EQ(WToI(L"-2147483648"), INT_MIN);
     EXPECT_EQ(WToI(L"2147483648"), INT_MAX);
+    // And back as "%d" prints them.
+    EXPECT_EQ(IntToText(0), L"0");
+    EXPECT_EQ(IntToText(-305), L"-305");
+    EXPECT_EQ(IntToText(INT_MIN), L"-2147483648");
+    EXPECT_EQ(WToI(IntToText(INT_MAX)), INT_MAX);
 }
 
 TEST(NumParseTest, FloatsTakeTheDecimalPrefix) {
@@ -91,11 +96,4 @@ TEST(NumParseTest, FloatsTakeTheDecimalPrefix) {
     EXPECT_DOUBLE_EQ(WToF(L"."), 0.0);
     EXPECT_DOUBLE_EQ(WToF(L"0x10"), 0.0);
     EXPECT_DOUBLE_EQ(WToF(L"inf"), 0.0);
-}
-
-TEST(NumParseTest, IntToTextMatchesPercentD) {
-    EXPECT_EQ(IntToText(0), L"0");
-    EXPECT_EQ(IntToText(-305), L"-305");
-    EXPECT_EQ(IntToText(INT_MIN), L"-2147483648");
-    EXPECT_EQ(WToI(IntToText(INT_MAX)), INT_MAX);
 }

@@ -1,7 +1,10 @@
 #include "platform/TextEncoding.h"
 
 #include <gtest/gtest.h>
+#include <string>
 #include <vector>
+
+using namespace std::string_literals;
 
 namespace {
 
@@ -48,28 +51,19 @@ TEST(TextEncodingTest, UnencodableCharactersGoToTheFallback) {
     EXPECT_EQ(Utf8ToLegacy("€", "GB18030", Mark), "\xA2\xE3");
     EXPECT_TRUE(g_unencodable.empty());
     // Bytes that are not UTF-8 are replaced one by one.
-    EXPECT_EQ(Utf8ToLegacy("a\xFF"
-                           "b",
-                           "GB2312", Mark),
-              "a<?>b");
+    EXPECT_EQ(Utf8ToLegacy("a\xFF\x62", "GB2312", Mark), "a<?>b");
     EXPECT_EQ(g_unencodable, std::vector<char32_t>{0xFFFD});
 }
 
 TEST(TextEncodingTest, Utf16SurrogatePairsAndStrayHalves) {
-    const std::string le("A\0\x3D\xD8\x00\xDE", 6); // "A😀"
+    const std::string le = "A\0\x3D\xD8\x00\xDE"s; // "A😀"
     EXPECT_EQ(Utf16LeToUtf8(le), "A\U0001F600");
     EXPECT_EQ(Utf8ToUtf16Le("A\U0001F600"), le);
-    EXPECT_EQ(Utf16BeToUtf8(std::string("\0A\xD8\x3D\xDE\x00", 6)), "A\U0001F600");
+    EXPECT_EQ(Utf16BeToUtf8("\0A\xD8\x3D\xDE\x00"s), "A\U0001F600");
     EXPECT_EQ(Utf8ToUtf16Le("暖"), "\x96\x66");
 
-    EXPECT_EQ(Utf16LeToUtf8(std::string("\x3D\xD8"
-                                        "A\0",
-                                        4)),
-              "\uFFFDA"); // lone high half
-    EXPECT_EQ(Utf16LeToUtf8(std::string("\x00\xDE"
-                                        "A\0",
-                                        4)),
-              "\uFFFDA");                                               // lone low half
-    EXPECT_EQ(Utf16LeToUtf8(std::string("A\0\x3D\xD8", 4)), "A\uFFFD"); // high half at end
-    EXPECT_EQ(Utf16LeToUtf8(std::string("A\0B", 3)), "A\uFFFD");        // odd byte
+    EXPECT_EQ(Utf16LeToUtf8("\x3D\xD8\x41\0"s), "\uFFFDA"); // lone high half
+    EXPECT_EQ(Utf16LeToUtf8("\x00\xDE\x41\0"s), "\uFFFDA"); // lone low half
+    EXPECT_EQ(Utf16LeToUtf8("A\0\x3D\xD8"s), "A\uFFFD");    // high half at end
+    EXPECT_EQ(Utf16LeToUtf8("A\0B"s), "A\uFFFD");           // odd byte
 }
