@@ -4,7 +4,6 @@
 
 #include "dialogs/CTTComboBox.h"
 #include "host/HostData.h"
-#include "host/sqlite/LibraryFiles.h"
 #include "presenter/CQdDeConfigPresenter.h"
 #include "support/TestHost.h"
 #include "support/ui/DialogProbe.h"
@@ -56,6 +55,16 @@ void PointAtScreen(QPoint pos) {
 }
 QPoint FarAway() {
     return QGuiApplication::primaryScreen()->geometry().bottomRight() - QPoint(5, 5);
+}
+
+// The default configuration of 给排水\管道\给水管.
+CPath WaterFallback() {
+    CPath path;
+    path.SpecId = 2;
+    path.LMemberId = 1;
+    path.SMemberId = 101;
+    path.ConfigId = 1;
+    return path;
 }
 
 bool TipShows(const CString& text) {
@@ -148,11 +157,6 @@ TEST(RealPointer, ARowHeadClickSelectsTheRowAndDeleteTakesItsBill) {
     host.data.project.bill.code = L"{BILL}";
     {
         CQdDeConfigPresenter presenter;
-        CPath fallback;
-        fallback.SpecId = 2;
-        fallback.LMemberId = 1;
-        fallback.SMemberId = 101;
-        fallback.ConfigId = 1;
         std::vector<ConfigNode*> configs;
         for (const wchar_t* number : {L"031001001001", L"031001006001"}) {
             QdStruct qd;
@@ -160,7 +164,7 @@ TEST(RealPointer, ARowHeadClickSelectsTheRowAndDeleteTakesItsBill) {
             qd.strName = L"管道";
             qd.strUnit = L"m";
             qd.strQdCode = L"{BILL}";
-            ASSERT_TRUE(presenter.AddQd(qd, fallback, configs));
+            ASSERT_TRUE(presenter.AddQd(qd, WaterFallback(), configs));
         }
         ASSERT_TRUE(presenter.Save());
     }
@@ -190,12 +194,7 @@ TEST(RealPointer, ARowHeadClickSelectsTheRowAndDeleteTakesItsBill) {
     EXPECT_TRUE(selectedRow);
     EXPECT_EQ(rowsAfterDelete, 2);
     CQdDeConfigPresenter presenter;
-    CPath fallback;
-    fallback.SpecId = 2;
-    fallback.LMemberId = 1;
-    fallback.SMemberId = 101;
-    fallback.ConfigId = 1;
-    ConfigNode* config = presenter.GetConfig(fallback);
+    ConfigNode* config = presenter.GetConfig(WaterFallback());
     ASSERT_NE(config, nullptr);
     ASSERT_EQ(config->GetQd().size(), 1u);
     EXPECT_EQ(config->GetQd()[0]->m_qd.strQdId, L"031001001001");
@@ -206,19 +205,13 @@ TEST(RealPointer, ThePickerStandsBesideTheWorkbenchAndADoubleClickedBillEntersTh
     TestHost host;
     host.Add(L"给排水", L"管道", L"给水管", 1, 101);
     host.data.project.bill.code = L"{BILL}";
-    CString error;
-    const CString source = host.dir.Write(
-        L"bills.sql",
+    host.AddLibrary(
+        L"bills",
         "INSERT INTO library (key, value) VALUES ('kind', 'bill'), ('code', '{BILL}'),"
         " ('code_len', '9'), ('suffix_len', '3');\n"
         "INSERT INTO chapter (id, parent, position, code, name) VALUES (1, NULL, 0, '0310', "
         "'给排水');\nINSERT INTO bill (number, chapter, position, name, unit, formula) VALUES"
         " ('031001001', 1, 0, '镀锌钢管', 'm', 'L'), ('031001006', 1, 1, '塑料管', 'm', 'L');\n");
-    ASSERT_TRUE(
-        BuildLibraryDatabase(FromUtf8(KOQDDE_SOURCE_DIR "/data/sample/libraries/schema.sql"),
-                             source, host.dir.File(L"bills.db"), error))
-        << ToUtf8(error);
-    host.data.libraryFiles = {host.dir.File(L"bills.db")};
 
     QRect workbenchFrame, pickerFrame;
     int numberDialogs = 0;
