@@ -3,20 +3,25 @@
 #include <optional>
 
 bool ReadCsv(std::string_view text, std::vector<std::vector<std::string>>& records,
-             std::string& error) {
+             std::string& error, std::vector<int>* lines) {
     if (text.substr(0, 3) == "\xEF\xBB\xBF")
         text.remove_prefix(3);
     records.clear();
     std::vector<std::string> record;
     std::string field;
     bool quoted = false;
-    int line = 1, quoteLine = 0;
+    if (lines)
+        lines->clear();
+    int line = 1, quoteLine = 0, recordLine = 1;
     auto endRecord = [&] {
         record.push_back(std::move(field));
         field.clear();
         // A blank line is no record.
-        if (!(record.size() == 1 && record[0].empty()))
+        if (!(record.size() == 1 && record[0].empty())) {
             records.push_back(std::move(record));
+            if (lines)
+                lines->push_back(recordLine);
+        }
         record.clear();
     };
     for (size_t i = 0; i < text.size(); ++i) {
@@ -40,8 +45,8 @@ bool ReadCsv(std::string_view text, std::vector<std::vector<std::string>>& recor
         } else if (c == '\n' || c == '\r') {
             if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n')
                 ++i;
-            ++line;
             endRecord();
+            recordLine = ++line;
         } else {
             field += c;
         }
@@ -66,7 +71,8 @@ std::string CsvField(const std::string& text) {
 
 bool ReadComponentList(std::string_view text, std::vector<ComponentRow>& rows, std::string& error) {
     std::vector<std::vector<std::string>> records;
-    if (!ReadCsv(text, records, error))
+    std::vector<int> lines;
+    if (!ReadCsv(text, records, error, &lines))
         return false;
     if (records.empty()) {
         error = "the list is empty: it needs a header row with 类别";
@@ -86,7 +92,7 @@ bool ReadComponentList(std::string_view text, std::vector<ComponentRow>& rows, s
     for (size_t r = 1; r < records.size(); ++r) {
         const std::vector<std::string>& record = records[r];
         ComponentRow row;
-        row.line = static_cast<int>(r + 1);
+        row.line = lines[r];
         for (size_t i = 0; i < record.size() && i < header.size(); ++i) {
             const std::string& name = header[i];
             const std::string& value = record[i];

@@ -12,9 +12,11 @@
 #include <vector>
 
 // The records of CSV text: fields split at commas and line ends, a quoted field may hold
-// commas, line ends and doubled quotes. False, with the line, on a quote left open.
+// commas, line ends and doubled quotes. False, with the line, on a quote left open. `lines`,
+// when given, receives the line each record starts on, counting blank lines and the line ends
+// inside quoted fields, so a message names the line an editor shows.
 bool ReadCsv(std::string_view text, std::vector<std::vector<std::string>>& records,
-             std::string& error);
+             std::string& error, std::vector<int>* lines = nullptr);
 
 // A field written so that ReadCsv reads it back: quoted when it holds a comma, a quote or a
 // line end.

@@ -103,18 +103,21 @@ TEST(BillOfQuantities, CsvFieldsAndFormulasReadAsWritten) {
     struct Case {
         const char* text;
         std::vector<std::vector<std::string>> records;
+        std::vector<int> lines; // where each record starts
     };
     const Case cases[] = {
-        {"a,b\nc,d", {{"a", "b"}, {"c", "d"}}},
-        {"\"x,y\",\"say \"\"hi\"\"\"\r\n", {{"x,y", "say \"hi\""}}},
-        {"\"two\nlines\",z\n\n", {{"two\nlines", "z"}}},
-        {"a,,\n", {{"a", "", ""}}},
+        {"a,b\nc,d", {{"a", "b"}, {"c", "d"}}, {1, 2}},
+        {"\"x,y\",\"say \"\"hi\"\"\"\r\n", {{"x,y", "say \"hi\""}}, {1}},
+        {"\"two\nlines\",z\n\nw\r\n\r\nv", {{"two\nlines", "z"}, {"w"}, {"v"}}, {1, 4, 6}},
+        {"a,,\n", {{"a", "", ""}}, {1}},
     };
     for (const Case& c : cases) {
         std::vector<std::vector<std::string>> records;
+        std::vector<int> lines;
         std::string error;
-        ASSERT_TRUE(ReadCsv(c.text, records, error)) << c.text;
+        ASSERT_TRUE(ReadCsv(c.text, records, error, &lines)) << c.text;
         EXPECT_EQ(records, c.records) << c.text;
+        EXPECT_EQ(lines, c.lines) << c.text;
     }
     for (const std::string field : {"plain", "x,y", "say \"hi\"", "two\nlines"}) {
         std::vector<std::vector<std::string>> records;
@@ -129,8 +132,8 @@ TEST(BillOfQuantities, CsvFieldsAndFormulasReadAsWritten) {
 
     std::vector<ComponentRow> rows;
     EXPECT_FALSE(ReadComponentList("材质,L\n镀锌钢管,1\n", rows, error));
-    EXPECT_FALSE(ReadComponentList("类别,L\n管道\\给水管,十\n", rows, error));
-    EXPECT_EQ(error, "line 2: L \"十\" is no number");
+    EXPECT_FALSE(ReadComponentList("类别,L\n\n管道\\给水管,十\n", rows, error));
+    EXPECT_EQ(error, "line 3: L \"十\" is no number");
 
     const std::vector<CalcVariable> variables = GetCalcVariables(L"");
     const double values[] = {2, 3, 5}; // L, N, S
