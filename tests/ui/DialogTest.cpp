@@ -3,6 +3,7 @@
 
 #include "DemoDialog.h"
 
+#include "support/ui/DialogProbe.h"
 #include "support/ui/QtTestApp.h"
 #include "ui/QtString.h"
 
@@ -114,16 +115,9 @@ TEST(UiTemplate, DialogUnitsBecomePixelsByTheFontsAverageCharacter) {
 }
 
 TEST(UiTemplate, StyleFlagsLimitTypingAndKeepTheSelectionShown) {
-    const DialogBaseUnits units = MeasureBaseUnits(DefaultDialogFont());
     QWidget parent;
-    auto make = [&](const wchar_t* cls, std::initializer_list<const wchar_t*> styles) {
-        ControlTemplate ctl;
-        ctl.cls = cls;
-        ctl.cx = 40;
-        ctl.cy = 40;
-        for (const wchar_t* style : styles)
-            ctl.styles.Add(style);
-        return CreateControl(ctl, units, &parent);
+    auto make = [&](const wchar_t* cls, std::vector<const wchar_t*> styles) {
+        return koqdde::test::MakeControl(&parent, cls, 1, 0, 0, 40, 40, styles);
     };
     // A field without automatic scrolling takes no more typing than its width shows.
     auto* fixed = qobject_cast<QLineEdit*>(make(L"edit", {}));

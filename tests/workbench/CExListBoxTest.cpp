@@ -1,6 +1,6 @@
 #include "workbench/CExListBox.h"
 
-#include "ui/DialogTemplate.h"
+#include "support/ui/DialogProbe.h"
 
 #include <QWidget>
 
@@ -10,16 +10,7 @@ namespace {
 
 // A list box as the dialogs make it, 60 by 40 dialog units, in a window of its own.
 QWidget* MakeList(QWidget* host) {
-    koqdde::ui::ControlTemplate ctl;
-    ctl.id = 1009;
-    ctl.cls = L"listbox";
-    ctl.x = 4;
-    ctl.y = 4;
-    ctl.cx = 60;
-    ctl.cy = 40;
-    ctl.styles.Add(L"notify");
-    const auto units = koqdde::ui::MeasureBaseUnits(koqdde::ui::DefaultDialogFont());
-    return koqdde::ui::CreateControl(ctl, units, host);
+    return koqdde::test::MakeControl(host, L"listbox", 1009, 4, 4, 60, 40, {L"notify"});
 }
 
 CPoint Center(const CRect& rc) {

@@ -26,19 +26,26 @@ int RunModal(CDialog& dialog, const std::function<void(CDialog&)>& act) {
     return dialog.DoModal();
 }
 
-QWidget* MakeComboBox(QWidget* host, int x, int width, bool dropdown) {
+QWidget* MakeControl(QWidget* host, const CString& cls, int id, int x, int y, int cx, int cy,
+                     const std::vector<const wchar_t*>& styles) {
     koqdde::ui::ControlTemplate ctl;
-    ctl.id = 1022;
-    ctl.cls = L"combobox";
+    ctl.id = id;
+    ctl.cls = cls;
     ctl.x = x;
-    ctl.y = 10;
-    ctl.cx = width;
-    ctl.cy = 80;
-    ctl.styles.Add(dropdown ? L"dropdown" : L"droplist");
-    if (dropdown)
-        ctl.styles.Add(L"autohscroll");
+    ctl.y = y;
+    ctl.cx = cx;
+    ctl.cy = cy;
+    for (const wchar_t* style : styles)
+        ctl.styles.Add(style);
     const auto units = koqdde::ui::MeasureBaseUnits(koqdde::ui::DefaultDialogFont());
     return koqdde::ui::CreateControl(ctl, units, host);
+}
+
+QWidget* MakeComboBox(QWidget* host, int x, int width, bool dropdown) {
+    if (dropdown)
+        return MakeControl(host, L"combobox", 1022, x, 10, width, 80,
+                           {L"dropdown", L"autohscroll"});
+    return MakeControl(host, L"combobox", 1022, x, 10, width, 80, {L"droplist"});
 }
 
 } // namespace koqdde::test
