@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -551,6 +553,36 @@ bool AddMissingPackFiles(const CString& from, const CString& to, CString& error)
     return true;
 }
 
+namespace {
+
+// Tried rather than read from the permission bits, which say nothing of read-only mounts.
+bool CanWriteInto(const fs::path& folder) {
+    std::error_code ec;
+    const fs::path probe = folder / ".koqdde-write-probe";
+    const bool ok = std::ofstream(probe).good();
+    fs::remove(probe, ec);
+    return ok;
+}
+
+// A folder of its own under the user's cache for the databases of a pack the user may not
+// write into (an installed pack): named by a hash of the pack's path, so that two packs never
+// share their databases.
+CString CacheFolderFor(const CString& packDir) {
+    std::uint64_t hash = 14695981039346656037ull; // FNV-1a: stable from run to run
+    for (unsigned char byte : ToUtf8(packDir))
+        hash = (hash ^ byte) * 1099511628211ull;
+    char name[17];
+    std::snprintf(name, sizeof name, "%016llx", static_cast<unsigned long long>(hash));
+    const CString leaf = L"koqdde/packs/" + FromUtf8(name);
+    if (const char* cache = std::getenv("XDG_CACHE_HOME"); cache && cache[0] == '/')
+        return Join(FromUtf8(cache), leaf);
+    if (const char* home = std::getenv("HOME"); home && home[0])
+        return Join(FromUtf8(home), L".cache/" + leaf);
+    return {};
+}
+
+} // namespace
+
 bool LoadLibraries(const CString& packDir, const CString& projectFile, HostData& out,
                    CString& error) {
     const CString libraries = Join(packDir, kLibrariesFolder);
@@ -563,7 +595,15 @@ bool LoadLibraries(const CString& packDir, const CString& projectFile, HostData&
     const CString sourcePack = FromUtf8(KOQDDE_SAMPLE_DIR);
     const bool sourceTree =
         !sourcePack.IsEmpty() && fs::equivalent(ToPath(packDir), ToPath(sourcePack), ec);
-    const CString built = sourceTree ? FromUtf8(KOQDDE_SAMPLE_BUILT_DIR) : packDir;
+    CString built = sourceTree ? FromUtf8(KOQDDE_SAMPLE_BUILT_DIR) : packDir;
+    const bool readOnly = !sourceTree && !CanWriteInto(ToPath(Join(packDir, kLibrariesFolder)));
+    if (readOnly) {
+        built = CacheFolderFor(packDir);
+        if (built.IsEmpty())
+            return Fail(error, packDir,
+                        L"the pack is read-only and neither XDG_CACHE_HOME nor HOME is set; no "
+                        L"place for its databases");
+    }
     std::vector<CString> made;
     const CString libraryDbs = Join(built, kLibrariesFolder);
     if (!BuildStaleDatabases(libraries, schema, libraryDbs, made, error))
@@ -574,7 +614,7 @@ bool LoadLibraries(const CString& packDir, const CString& projectFile, HostData&
     history.replace_extension(".history.sql");
     if (fs::exists(history, ec)) {
         const CString historyDbs =
-            sourceTree ? Join(built, kProjectFolder) : FromPath(history.parent_path());
+            sourceTree || readOnly ? Join(built, kProjectFolder) : FromPath(history.parent_path());
         if (!BuildStaleDatabases(FromPath(history.parent_path()), schema, historyDbs, made, error))
             return false;
         fs::path database = ToPath(historyDbs) / history.filename();
@@ -621,6 +661,12 @@ bool LoadDataPack(const DataPackOptions& options, HostData& out, CString& error)
         return false;
 
     CString profileDir = Join(packDir, kProfileFolder);
+    if (options.configDir.IsEmpty() && fs::is_directory(ToPath(profileDir), ec) &&
+        !CanWriteInto(ToPath(profileDir)))
+        return Fail(error, profileDir,
+                    L"the pack's configuration folder is read-only: name a folder of your own "
+                    L"with --config-dir, or leave out --data to work on your own copy of the "
+                    L"bundled pack");
     CString configDir = Absolute(options.configDir.IsEmpty() ? profileDir : options.configDir);
     if (!PrepareConfigDir(configDir, profileDir, error))
         return false;

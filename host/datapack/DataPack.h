@@ -46,7 +46,9 @@ bool AddMissingPackFiles(const CString& from, const CString& to, CString& error)
 // Builds the databases of <pack>/libraries and the project's history (<project>.history.sql
 // beside the project file) where they are missing or older than their sources, and lists them
 // in out. They are built beside their sources, but those of the bundled pack in the source
-// tree go to the build tree. A pack without libraries/schema.sql has no libraries.
+// tree go to the build tree, and those of a pack the user can't write into (an installed one)
+// to $XDG_CACHE_HOME/koqdde/packs/<hash of its path> (else ~/.cache/...). A pack without
+// libraries/schema.sql has no libraries.
 bool LoadLibraries(const CString& packDir, const CString& projectFile, HostData& out,
                    CString& error);
 // Creates configDir when it doesn't exist and seeds it with the files of profileDir; an

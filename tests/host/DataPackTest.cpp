@@ -3,6 +3,7 @@
 
 #include <pugixml.hpp>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +13,8 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -247,6 +250,84 @@ TEST(DataPackTest, PerUserCopyIsMadeOnceAndThenLeftAlone) {
     EXPECT_TRUE(PerUserPackDir().IsEmpty());
     EXPECT_FALSE(LoadDataPack({}, again, error));
     EXPECT_NE(U8(error).find("HOME"), std::string::npos) << U8(error);
+}
+
+TEST(DataPackTest, ReadOnlyPackBuildsItsDatabasesInTheUsersCache) {
+    constexpr fs::perms kAllWrite =
+        fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    TempDir dir;
+    const fs::path root(U8(dir.Path()));
+    fs::copy(U8(BundledPackDir()), root / "pack", fs::copy_options::recursive);
+    fs::create_directory(root / "cache");
+    // An installed pack: nobody may write into it, and the test steps down from root, to
+    // whom permission bits mean nothing.
+    for (const auto& entry : fs::recursive_directory_iterator(root / "pack"))
+        fs::permissions(entry.path(), kAllWrite, fs::perm_options::remove);
+    fs::permissions(root / "pack", kAllWrite, fs::perm_options::remove);
+    fs::permissions(root, fs::perms::all, fs::perm_options::add);
+    fs::permissions(root / "cache", fs::perms::all, fs::perm_options::add);
+    EnvScope cache("XDG_CACHE_HOME", (root / "cache").c_str());
+
+    int pipeEnds[2];
+    ASSERT_EQ(::pipe(pipeEnds), 0);
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        ::close(pipeEnds[0]);
+        if (::getuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0))
+            ::_exit(2);
+        // Its configuration folder is read-only too: the load asks for one of the user's own.
+        const CString pack = FromUtf8((root / "pack").string());
+        HostData data;
+        CString error;
+        std::string report;
+        if (!LoadDataPack({pack, L"", L""}, data, error))
+            report = U8(error);
+        const bool ok =
+            LoadDataPack({pack, L"", FromUtf8((root / "cache/cfg").string())}, data, error);
+        report += "\n" + (ok ? U8(data.historyFile) : "error " + U8(error));
+        for (const CString& file : data.libraryFiles)
+            report += "\n" + U8(file);
+        const bool sent = ::write(pipeEnds[1], report.data(), report.size()) ==
+                          static_cast<ssize_t>(report.size());
+        ::_exit(sent ? 0 : 3);
+    }
+    ::close(pipeEnds[1]);
+    std::string report;
+    char buffer[4096];
+    for (ssize_t n; (n = ::read(pipeEnds[0], buffer, sizeof buffer)) > 0;)
+        report.append(buffer, static_cast<size_t>(n));
+    ::close(pipeEnds[0]);
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    // Writable again, so that the folder can be removed without root.
+    for (const auto& entry : fs::recursive_directory_iterator(root / "pack"))
+        fs::permissions(entry.path(), fs::perms::owner_write, fs::perm_options::add);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << report;
+
+    // The history first, then the five libraries, each built under the cache and not beside
+    // its source.
+    std::vector<std::string> files;
+    for (size_t at = 0, end; at <= report.size(); at = end + 1) {
+        end = std::min(report.find('\n', at), report.size());
+        files.push_back(report.substr(at, end - at));
+    }
+    ASSERT_EQ(files.size(), 7u) << report;
+    EXPECT_EQ(files[0], (root / "pack/profile").string() +
+                            ": the pack's configuration folder is read-only: name a folder of "
+                            "your own with --config-dir, or leave out --data to work on your own "
+                            "copy of the bundled pack");
+    files.erase(files.begin());
+    const std::string cacheRoot = (root / "cache/koqdde/packs/").string();
+    EXPECT_TRUE(files[0].starts_with(cacheRoot) &&
+                files[0].ends_with("/project/示例工程.history.db"))
+        << files[0];
+    for (const std::string& file : files) {
+        EXPECT_TRUE(file.starts_with(cacheRoot)) << file;
+        EXPECT_TRUE(fs::is_regular_file(file)) << file;
+    }
+    for (const auto& entry : fs::recursive_directory_iterator(root / "pack"))
+        EXPECT_NE(entry.path().extension(), ".db") << entry.path();
 }
 
 TEST(DataPackTest, ConfigurationFolderIsCreatedAndSeededOnlyWhenMissing) {
