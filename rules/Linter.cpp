@@ -177,13 +177,23 @@ private:
             return;
         }
         CStringArray list;
-        if (!c.IsEqual() || !ValueListOf(*attribute, m_attributes, list))
+        if (!ValueListOf(*attribute, m_attributes, list) || list.GetSize() == 0)
             return;
+        const AttrConfig* setting =
+            m_project.setting ? m_project.setting(m_path, c.GetCFType()) : nullptr;
+        if (!c.IsEqual()) {
+            // "DN25" reads as no number, so a range on a list of such values holds for none of
+            // them; only a typed value can reach it, where the list takes one.
+            for (const CString& item : list)
+                if (ReadNumber(item))
+                    return;
+            Add(TakesTypedValue(setting) ? Severity::kWarning : Severity::kError,
+                FindingKind::kRangeOnWords, {Utf8(c.GetCFType())});
+            return;
+        }
         for (const CString& item : list)
             if (item == c.GetValue())
                 return;
-        const AttrConfig* setting =
-            m_project.setting ? m_project.setting(m_path, c.GetCFType()) : nullptr;
         if (!TakesTypedValue(setting))
             Add(Severity::kError, FindingKind::kValueNotInList,
                 {Utf8(c.GetValue()), Utf8(c.GetCFType())});

@@ -27,6 +27,7 @@ enum class FindingKind {
     kBadBound,           // a bound is no number: args {condition text, bound}
     kUnknownAttribute,   // args {attribute}
     kValueNotInList,     // the list takes no typed value: args {value, attribute}
+    kRangeOnWords,       // a range on an attribute whose list holds no number: args {attribute}
     kNoItems,            // not the default, and neither bills nor quotas
     kForeignLibrary,     // the workbench hides the item: args {number, item's code, project's}
     kBadBillNumber,      // args {number, length the rule asks}

@@ -30,6 +30,8 @@ const KindText kTexts[] = {
      TrNoop("a condition tests \"{1}\", which the category lacks")},
     {FindingKind::kValueNotInList, "valueNotInList",
      TrNoop("\"{1}\" is not in the list of {2}, which takes no typed value")},
+    {FindingKind::kRangeOnWords, "rangeOnWords",
+     TrNoop("a range on {1}, whose list holds no number: no value picked from it is in range")},
     {FindingKind::kNoItems, "noItems", TrNoop("gives no bill and no quota")},
     {FindingKind::kForeignLibrary, "foreignLibrary",
      TrNoop("item {1} is of library {2}, not of the project's {3}: the workbench hides it")},

@@ -75,12 +75,22 @@ protected:
         }
         Found found;
         auto* store = dynamic_cast<CXmlQdDeConfig*>(presenter.GetData());
-        for (const Finding& f : LintSpec(store->GetSpec(), project))
+        last = LintSpec(store->GetSpec(), project);
+        for (const Finding& f : last)
             found.insert({f.kind, f.position});
         return found;
     }
 
+    // The kinds and severities of the last run's findings, in their order.
+    std::vector<std::pair<FindingKind, Severity>> Severities() const {
+        std::vector<std::pair<FindingKind, Severity>> out;
+        for (const Finding& f : last)
+            out.push_back({f.kind, f.severity});
+        return out;
+    }
+
     TestHost host;
+    std::vector<Finding> last;
     LintProject project;
 };
 
@@ -137,12 +147,24 @@ TEST_F(Lint, EachFindingOnACategoryMadeForIt) {
         EXPECT_EQ(Run(c.configs), c.expected) << c.what;
 }
 
-TEST_F(Lint, AValueOffAListIsAnErrorOnlyWhereTheListTakesNoTyping) {
-    const std::vector<Config> configs = {{{Value(L"材质", L"铸铁管")}}};
+TEST_F(Lint, ValuesAndRangesTheListCannotGiveAreErrorsOnlyWhereItTakesNoTyping) {
+    const std::vector<Config> configs = {{{Value(L"材质", L"铸铁管")}},
+                                         {{Range(L"＞", L"25", L"", L"")}}};
+    // A list of numbers gives the range what it needs; one of words does not.
+    host.data.dropLists[L"管径"] = {L"15", L"32"};
+    host.data.catalog[0].larges[0].smalls[0].attributes[1].dropKey = L"管径";
     EXPECT_EQ(Run(configs), Found{}); // no setting: typing is allowed
+    host.data.dropLists[L"管径"] = {L"DN15", L"DN32"};
+    EXPECT_EQ(Run(configs), (Found{{FindingKind::kRangeOnWords, 2}}));
+    EXPECT_EQ(Severities(), (std::vector<std::pair<FindingKind, Severity>>{
+                                {FindingKind::kRangeOnWords, Severity::kWarning}}));
     AttrConfig listOnly(L"材质", L"CZ", 0, 0, 0);
     project.setting = [&](const CString&, const CString&) { return &listOnly; };
-    EXPECT_EQ(Run(configs), (Found{{FindingKind::kValueNotInList, 1}}));
+    EXPECT_EQ(Run(configs),
+              (Found{{FindingKind::kValueNotInList, 1}, {FindingKind::kRangeOnWords, 2}}));
+    EXPECT_EQ(Severities(), (std::vector<std::pair<FindingKind, Severity>>{
+                                {FindingKind::kValueNotInList, Severity::kError},
+                                {FindingKind::kRangeOnWords, Severity::kError}}));
 }
 
 TEST_F(Lint, SharedConditionIdsAreReportedAndRenumbered) {
