@@ -6,11 +6,12 @@ TEST_F(Cli, LintReportsWhereAndWhyAndRepairsOnlyWhenAsked) {
     ASSERT_NO_FATAL_FAILURE(Setup({
         {"config", "add", kPipeArg},
         {"condition", "add", kPipeArg, "#1", "--attr", "材质", "--eq", "镀锌钢管"},
-        {"condition", "add", kPipeArg, "#1", "--attr", "管径(mm)", "--gt", "25", "--le", "50"},
+        {"condition", "add", kPipeArg, "#1", "--attr", "保温厚度(mm)", "--gt", "15", "--le", "30"},
         {"qd", "add", kPipeArg, "#1", "--number", "031001001001", "--formula", "L"},
     }));
     Result clean = Run({"lint"});
     EXPECT_EQ(clean.status, 0) << clean.out << clean.err;
+    EXPECT_TRUE(Has(clean.out, "0 error(s), 0 warning(s)")) << clean.out;
 
     // The copy sits below its original (never matches) and its conditions came with id 0.
     ASSERT_EQ(Run({"config", "copy", kPipeArg, "#1"}).status, 0);
