@@ -8,6 +8,7 @@
 #include "model/SMember.h"
 #include "model/Spec.h"
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <memory>
@@ -177,13 +178,58 @@ private:
     std::map<CString, std::map<CString, size_t>> m_quotaUnderBill;
 };
 
+// Item numbers as a bill lists them: runs of digits by their value, so that 10-1-2 comes
+// before 10-1-12 and 031001001001 before 031001006001.
+bool NumberLess(const CString& left, const CString& right) {
+    const std::wstring& a = left.str();
+    const std::wstring& b = right.str();
+    size_t i = 0, j = 0;
+    auto digit = [](wchar_t c) { return c >= L'0' && c <= L'9'; };
+    while (i < a.size() && j < b.size()) {
+        if (digit(a[i]) && digit(b[j])) {
+            size_t ei = i, ej = j;
+            while (ei < a.size() && digit(a[ei]))
+                ++ei;
+            while (ej < b.size() && digit(b[ej]))
+                ++ej;
+            // Leading zeros aside, the longer run is the larger number.
+            size_t zi = i, zj = j;
+            while (zi + 1 < ei && a[zi] == L'0')
+                ++zi;
+            while (zj + 1 < ej && b[zj] == L'0')
+                ++zj;
+            if (ei - zi != ej - zj)
+                return ei - zi < ej - zj;
+            if (int c = a.compare(zi, ei - zi, b, zj, ej - zj); c != 0)
+                return c < 0;
+            i = ei;
+            j = ej;
+        } else {
+            if (a[i] != b[j])
+                return a[i] < b[j];
+            ++i;
+            ++j;
+        }
+    }
+    return a.size() - i < b.size() - j || (a.size() - i == b.size() - j && a < b);
+}
+
 } // namespace
 
 BillOfQuantities ApplyComponents(const Spec& spec, const std::vector<ComponentRow>& rows) {
     BillOfQuantities out;
-    Runner runner(spec, out);
-    for (const ComponentRow& row : rows)
-        runner.Run(row);
+    {
+        Runner runner(spec, out);
+        for (const ComponentRow& row : rows)
+            runner.Run(row);
+    }
+    // Sorted only now: the runner finds its lines by their place in the lists.
+    auto byNumber = [](const BoqItem& a, const BoqItem& b) {
+        return NumberLess(a.number, b.number);
+    };
+    std::stable_sort(out.bills.begin(), out.bills.end(),
+                     [&](const BoqBill& a, const BoqBill& b) { return byNumber(a.item, b.item); });
+    std::stable_sort(out.quotas.begin(), out.quotas.end(), byNumber);
     return out;
 }
 

@@ -39,8 +39,9 @@ struct BoqProblem {
 };
 
 struct BillOfQuantities {
-    std::vector<BoqBill> bills;                   // by number
-    std::vector<BoqItem> quotas;                  // quotas of configurations themselves, by number
+    // In number order, digit runs by their value (10-1-2 before 10-1-12).
+    std::vector<BoqBill> bills;
+    std::vector<BoqItem> quotas;                  // quotas of configurations themselves
     std::vector<const ComponentRow*> defaultOnly; // rows only the default configuration took
     std::vector<BoqProblem> problems;
     int components = 0;

@@ -38,7 +38,7 @@ std::string Describe(const BoqItem& item) {
 
 } // namespace
 
-TEST(BillOfQuantities, ComponentsAreMatchedCountedAndSummedByNumber) {
+TEST(BillOfQuantities, ComponentsAreMatchedCountedSummedAndListedByNumber) {
     TestHost host;
     host.Add(L"给排水", L"管道", L"给水管", 1, 101);
     CQdDeConfigPresenter presenter(host.ConfigDir() + L"/boq.xml");
@@ -53,11 +53,12 @@ TEST(BillOfQuantities, ComponentsAreMatchedCountedAndSummedByNumber) {
         return config;
     };
     ConfigNode* zinc = addConfig(L"镀锌钢管");
-    zinc->AddQd(Bill(L"031001001001", L"L"));
+    zinc->AddQd(Bill(L"031001006002", L"L"));
     zinc->GetQd(1)->AddDe(Quota(L"10-1-1", L"L/10"));
     ConfigNode* ppr = addConfig(L"PPR管");
     ppr->AddQd(Bill(L"031001006001", L"L*1.05"));
     ppr->AddDe(Quota(L"10-11-1", L"N"));
+    ppr->AddDe(Quota(L"10-2-1", L"N*2"));
     addConfig(L"铸铁管")->AddQd(Bill(L"031001005001", L"L*("));
     addConfig(L"零长")->AddQd(Bill(L"031001007001", L"N/L"));
 
@@ -86,10 +87,11 @@ TEST(BillOfQuantities, ComponentsAreMatchedCountedAndSummedByNumber) {
     }
     for (const BoqItem& quota : boq.quotas)
         quotas.push_back(Describe(quota));
+    // Listed by number, digit runs by value, not in the order first met.
     EXPECT_EQ(bills,
-              (std::vector<std::string>{"031001001001=16.500000/3", "031001006001=21.000000/1"}));
-    EXPECT_EQ(quotas,
-              (std::vector<std::string>{"031001001001>10-1-1=1.650000/3", "10-11-1=3.000000/1"}));
+              (std::vector<std::string>{"031001006001=21.000000/1", "031001006002=16.500000/3"}));
+    EXPECT_EQ(quotas, (std::vector<std::string>{"031001006002>10-1-1=1.650000/3",
+                                                "10-2-1=6.000000/1", "10-11-1=3.000000/1"}));
     ASSERT_EQ(boq.defaultOnly.size(), 1u);
     EXPECT_EQ(boq.defaultOnly[0]->line, 6);
     std::vector<std::string> problems;
