@@ -6,11 +6,10 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <map>
 #include <optional>
+#include <regex>
 #include <set>
 #include <string>
 #include <sys/wait.h>
@@ -58,11 +57,6 @@ std::string Joined(std::initializer_list<CString> parts) {
     return out;
 }
 
-std::string ReadAll(const CString& path) {
-    std::ifstream in(U8(path), std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 // Relative paths of the regular files under a folder.
 std::set<std::string> FilesUnder(const CString& folder) {
     std::set<std::string> files;
@@ -73,26 +67,12 @@ std::set<std::string> FilesUnder(const CString& folder) {
     return files;
 }
 
-const HostSmallCategory* FindByPath(const HostData& data, const CString& spec, const CString& large,
-                                    const CString& small) {
-    const HostSpecialty* s = data.FindSpec(spec);
-    if (!s)
-        return nullptr;
-    for (const auto& l : s->larges)
-        if (l.name == large)
-            for (const auto& c : l.smalls)
-                if (c.name == small)
-                    return &c;
-    return nullptr;
-}
-
-bool IsUpperCode(const CString& code) {
-    if (code.IsEmpty() || !(code[0] >= L'A' && code[0] <= L'Z'))
-        return false;
-    for (int i = 0; i < code.GetLength(); ++i)
-        if (!((code[i] >= L'A' && code[i] <= L'Z') || (code[i] >= L'0' && code[i] <= L'9')))
-            return false;
-    return true;
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    size_t at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    if (at != std::string::npos)
+        text.replace(at, from.size(), to);
+    return text;
 }
 
 // The attribute code the bundled pack leaves out of AttributeInformation.xml on purpose, so
@@ -109,75 +89,59 @@ TEST(DataPackTest, BundledPackHoldsItsInvariants) {
     ASSERT_TRUE(LoadDataPack({BundledPackDir(), L"", config.File(L"cfg")}, data, error))
         << U8(error);
 
-    const std::vector<std::pair<int, std::string>> specs = {
-        {1, "建筑"}, {2, "给排水"}, {3, "电气"}, {4, "暖通"}, {5, "消防"}, {6, "弱电"}};
+    const std::vector<std::string> specs = {"建筑", "给排水", "电气", "暖通", "消防", "弱电"};
     ASSERT_EQ(data.catalog.size(), specs.size());
     // Ids follow the pack's scheme (parent id * 100 + position), so they are unique as well.
+    // Names, drop keys and code syntax the loader checks itself; fields it takes as they are.
+    const std::regex upperCode("[A-Z][A-Z0-9]*");
     std::set<CString> usedCodes;
+    std::map<std::string, int> attTypes; // by "spec\\large\\small"
     for (size_t i = 0; i < specs.size(); ++i) {
         const HostSpecialty& spec = data.catalog[i];
-        EXPECT_EQ(spec.id, specs[i].first);
-        EXPECT_EQ(U8(spec.name), specs[i].second);
+        EXPECT_EQ(spec.id, static_cast<int>(i) + 1);
+        EXPECT_EQ(U8(spec.name), specs[i]);
         for (size_t l = 0; l < spec.larges.size(); ++l) {
             const HostLargeCategory& large = spec.larges[l];
-            std::string where = specs[i].second + "\\" + U8(large.name);
-            EXPECT_EQ(large.id, spec.id * 100 + static_cast<int>(l) + 1) << where;
+            EXPECT_EQ(large.id, spec.id * 100 + static_cast<int>(l) + 1) << U8(large.name);
             for (size_t s = 0; s < large.smalls.size(); ++s) {
                 const HostSmallCategory& small = large.smalls[s];
-                std::string path = where + "\\" + U8(small.name);
+                const std::string path = specs[i] + "\\" + U8(large.name) + "\\" + U8(small.name);
                 EXPECT_EQ(small.id, large.id * 100 + static_cast<int>(s) + 1) << path;
+                attTypes[path] = small.attType;
                 for (const auto& attr : small.attributes) {
-                    EXPECT_FALSE(attr.name.IsEmpty()) << path;
-                    EXPECT_TRUE(IsUpperCode(attr.field)) << path << " " << U8(attr.field);
-                    EXPECT_TRUE(IsUpperCode(attr.code)) << path << " " << U8(attr.code);
+                    EXPECT_TRUE(std::regex_match(U8(attr.field), upperCode)) << path;
+                    EXPECT_TRUE(std::regex_match(U8(attr.code), upperCode)) << path;
                     usedCodes.insert(attr.code);
-                    if (!attr.dropKey.IsEmpty()) {
-                        EXPECT_TRUE(data.dropLists.count(attr.dropKey))
-                            << path << " " << U8(attr.dropKey);
-                    }
                 }
             }
         }
     }
 
     // The categories other parts of the program single out by name.
-    const std::vector<std::vector<CString>> required = {
-        {L"暖通", L"风管", L"矩形风管"},         {L"暖通", L"风管", L"圆形风管"},
-        {L"暖通", L"风管", L"软风管"},           {L"电气", L"配电箱柜", L"配电箱柜"},
-        {L"电气", L"配电箱柜", L"元件装置"},     {L"电气", L"电缆桥架", L"桥架"},
-        {L"电气", L"电缆桥架", L"托盘"},         {L"电气", L"电缆桥架", L"组合式桥架"},
-        {L"弱电", L"箱柜", L"接线箱"},           {L"弱电", L"线槽桥架", L"线槽"},
-        {L"弱电", L"线槽桥架", L"桥架"},         {L"电气", L"配管配线", L"导线·导管"},
-        {L"弱电", L"弱电管线", L"弱电配管配线"}, {L"消防", L"消防管线", L"组合管线"},
-        {L"弱电", L"弱电管线", L"组合管线"}};
-    for (const auto& path : required)
-        EXPECT_NE(FindByPath(data, path[0], path[1], path[2]), nullptr)
-            << U8(path[0]) << "\\" << U8(path[1]) << "\\" << U8(path[2]);
-
+    for (const char* path :
+         {"暖通\\风管\\矩形风管", "暖通\\风管\\圆形风管", "暖通\\风管\\软风管",
+          "电气\\配电箱柜\\配电箱柜", "电气\\配电箱柜\\元件装置", "电气\\电缆桥架\\桥架",
+          "电气\\电缆桥架\\托盘", "电气\\电缆桥架\\组合式桥架", "弱电\\箱柜\\接线箱",
+          "弱电\\线槽桥架\\线槽", "弱电\\线槽桥架\\桥架", "电气\\配管配线\\导线·导管",
+          "弱电\\弱电管线\\弱电配管配线", "消防\\消防管线\\组合管线", "弱电\\弱电管线\\组合管线"})
+        EXPECT_TRUE(attTypes.count(path)) << path;
     // Pipe categories carry fittings; a box or a duct does not.
-    EXPECT_NE(FindByPath(data, L"给排水", L"管道", L"给水管")->attType, 0);
-    EXPECT_EQ(FindByPath(data, L"电气", L"配电箱柜", L"配电箱柜")->attType, 0);
-    EXPECT_EQ(FindByPath(data, L"暖通", L"风管", L"矩形风管")->attType, 0);
+    EXPECT_NE(attTypes["给排水\\管道\\给水管"], 0);
+    EXPECT_EQ(attTypes["电气\\配电箱柜\\配电箱柜"], 0);
+    EXPECT_EQ(attTypes["暖通\\风管\\矩形风管"], 0);
 
     // AttributeInformation.xml types every used code but the one left out on purpose.
     CString profile = BundledPackDir() + L"/profile";
     pugi::xml_document info;
     ASSERT_TRUE(info.load_file((U8(profile) + "/AttributeInformation.xml").c_str()));
     EXPECT_STREQ(info.document_element().name(), "属性参数信息");
-    std::set<CString> typed;
+    std::set<CString> untyped = usedCodes;
     for (pugi::xml_node node : info.document_element().children()) {
         int type = node.attribute("type").as_int(0);
-        EXPECT_GE(type, 1) << node.name();
-        EXPECT_LE(type, 11) << node.name();
-        EXPECT_TRUE(usedCodes.count(FromUtf8(node.name()))) << "unused code " << node.name();
-        typed.insert(FromUtf8(node.name()));
+        EXPECT_TRUE(type >= 1 && type <= 11) << node.name();
+        EXPECT_TRUE(untyped.erase(FromUtf8(node.name()))) << "unused code " << node.name();
     }
-    std::vector<CString> untyped;
-    for (const auto& code : usedCodes)
-        if (!typed.count(code))
-            untyped.push_back(code);
-    ASSERT_EQ(untyped.size(), 1u);
-    EXPECT_EQ(U8(untyped.front()), U8(kCodeWithoutType));
+    EXPECT_EQ(untyped, std::set<CString>{kCodeWithoutType});
 
     // The template of a new configuration file: the root with its version, nothing inside.
     pugi::xml_document def;
@@ -188,11 +152,9 @@ TEST(DataPackTest, BundledPackHoldsItsInvariants) {
     EXPECT_TRUE(def.document_element().first_child().empty());
 
     // The project, the profile and the version the catalog carries.
-    EXPECT_EQ(U8(data.project.currentSpec), "给排水");
-    EXPECT_EQ(data.project.mode, 0);
+    EXPECT_EQ(Joined({data.project.currentSpec, data.project.bill.year, data.profile.version}),
+              "给排水|2013|1.0.0");
     EXPECT_EQ(U8(data.project.path), U8(BundledPackDir()) + "/project/示例工程.kprj");
-    EXPECT_EQ(U8(data.project.bill.year), "2013");
-    EXPECT_EQ(U8(data.profile.version), "1.0.0");
     EXPECT_FALSE(fs::exists(U8(BundledPackDir()) + "/project/SysRegedit.ini"));
 }
 
@@ -221,7 +183,7 @@ TEST(DataPackTest, PerUserCopyIsMadeOnceAndThenLeftAlone) {
     EXPECT_EQ(FilesUnder(copy), expected);
     EXPECT_EQ(data.libraryFiles.size(), 5u);
     EXPECT_EQ(U8(data.historyFile), U8(copy) + "/project/示例工程.history.db");
-    EXPECT_EQ(ReadAll(copy + L"/catalog.xml"), ReadAll(BundledPackDir() + L"/catalog.xml"));
+    EXPECT_EQ(home.Read(copy + L"/catalog.xml"), home.Read(BundledPackDir() + L"/catalog.xml"));
     EXPECT_EQ(U8(data.project.path), U8(copy) + "/project/示例工程.kprj");
     EXPECT_EQ(U8(data.profile.configPath), U8(copy) + "/profile");
     // Only the finished copy is left beside it.
@@ -231,17 +193,13 @@ TEST(DataPackTest, PerUserCopyIsMadeOnceAndThenLeftAlone) {
     EXPECT_EQ(beside, std::vector<std::string>{"sample"});
 
     // The user's edits to the copy survive the next run.
-    std::string catalog = ReadAll(copy + L"/catalog.xml");
-    size_t at = catalog.find("name=\"暖通\"");
-    ASSERT_NE(at, std::string::npos);
-    catalog.replace(at, std::string("name=\"暖通\"").size(), "name=\"暖通空调\"");
-    home.Write(L"koqdde/sample/catalog.xml", catalog);
+    home.Write(L"koqdde/sample/catalog.xml",
+               Replaced(home.Read(copy + L"/catalog.xml"), "name=\"暖通\"", "name=\"暖通空调\""));
     home.Write(L"koqdde/sample/project/SysRegedit.ini", "[QdDeConfig]\n");
 
     HostData again;
     ASSERT_TRUE(LoadDataPack({}, again, error)) << U8(error);
     EXPECT_NE(again.FindSpec(L"暖通空调"), nullptr);
-    EXPECT_EQ(again.FindSpec(L"暖通"), nullptr);
     EXPECT_EQ(home.Read(L"koqdde/sample/project/SysRegedit.ini"), "[QdDeConfig]\n");
 
     // No home at all: a clear refusal, not a copy into the working folder.
@@ -338,10 +296,10 @@ TEST(DataPackTest, ConfigurationFolderIsCreatedAndSeededOnlyWhenMissing) {
     ASSERT_TRUE(LoadDataPack({BundledPackDir(), L"", configDir}, data, error)) << U8(error);
     EXPECT_EQ(U8(data.profile.configPath), U8(configDir));
     EXPECT_EQ(FilesUnder(configDir), FilesUnder(BundledPackDir() + L"/profile"));
-    EXPECT_EQ(dir.Read(configDir + L"/QdDeConfig.def"),
-              ReadAll(BundledPackDir() + L"/profile/QdDeConfig.def"));
-    EXPECT_EQ(dir.Read(configDir + L"/AttributeInformation.xml"),
-              ReadAll(BundledPackDir() + L"/profile/AttributeInformation.xml"));
+    for (const std::string& file : FilesUnder(configDir))
+        EXPECT_EQ(dir.Read(configDir + L"/" + FromUtf8(file)),
+                  dir.Read(BundledPackDir() + L"/profile/" + FromUtf8(file)))
+            << file;
 
     // An existing folder is the user's: nothing is added or replaced.
     dir.Write(L"配置/nested/QdDeConfig.def", "edited");
@@ -350,8 +308,9 @@ TEST(DataPackTest, ConfigurationFolderIsCreatedAndSeededOnlyWhenMissing) {
     EXPECT_EQ(dir.Read(configDir + L"/QdDeConfig.def"), "edited");
     EXPECT_FALSE(fs::exists(U8(configDir) + "/AttributeInformation.xml"));
 
-    // Relative folders and files are handed on as absolute paths.
-    dir.Write(L"工程.kprj", ReadAll(BundledPackDir() + L"/project/示例工程.kprj"));
+    // Relative folders and files are handed on as absolute paths; a named project file wins
+    // over the pack's own.
+    dir.Write(L"工程.kprj", dir.Read(BundledPackDir() + L"/project/示例工程.kprj"));
     fs::path cwd = fs::current_path();
     fs::current_path(U8(dir.Path()));
     bool loaded = LoadDataPack({BundledPackDir(), L"工程.kprj", L"./rel/../cfg"}, data, error);
@@ -422,14 +381,6 @@ void WritePack(const TempDir& dir, const std::map<std::string, std::string>& fil
         dir.Write(L"pack/" + FromUtf8(name), bytes);
 }
 
-std::string Replaced(std::string text, const std::string& from, const std::string& to) {
-    size_t at = text.find(from);
-    EXPECT_NE(at, std::string::npos) << from;
-    if (at != std::string::npos)
-        text.replace(at, from.size(), to);
-    return text;
-}
-
 } // namespace
 
 TEST(DataPackTest, SmallPackLoadsEveryField) {
@@ -474,15 +425,6 @@ TEST(DataPackTest, SmallPackLoadsEveryField) {
     EXPECT_EQ(U8(data.project.quota.fileName), "定额甲");
     EXPECT_EQ(U8(data.profile.configPath), U8(dir.File(L"cfg")));
     EXPECT_EQ(dir.Read(L"cfg/QdDeConfig.def"), MiniPack().at("profile/QdDeConfig.def"));
-
-    // An explicit project file wins over the pack's own.
-    dir.Write(L"other.kprj", Replaced(kProject, "spec=\"电气\" mode=\"1\"", "spec=\"给排水\""));
-    ASSERT_TRUE(
-        LoadDataPack({dir.File(L"pack"), dir.File(L"other.kprj"), dir.File(L"cfg")}, data, error))
-        << U8(error);
-    EXPECT_EQ(U8(data.project.currentSpec), "给排水");
-    EXPECT_EQ(data.project.mode, 0);
-    EXPECT_EQ(U8(data.project.path), U8(dir.File(L"other.kprj")));
 }
 
 TEST(DataPackTest, FaultyPacksAreRefusedNamingTheFile) {
@@ -507,8 +449,6 @@ TEST(DataPackTest, FaultyPacksAreRefusedNamingTheFile) {
          "catalog.xml"},
         {"sibling small ids repeat", "catalog.xml",
          Replaced(catalog, "id=\"20102\"", "id=\"20101\""), false, "catalog.xml"},
-        {"sibling specialty ids repeat", "catalog.xml",
-         Replaced(catalog, "<spec id=\"3\"", "<spec id=\"2\""), false, "catalog.xml"},
         {"attribute without code", "catalog.xml", Replaced(catalog, " code=\"GJ\"", ""), false,
          "catalog.xml"},
         {"misspelt element", "catalog.xml",
@@ -536,14 +476,10 @@ TEST(DataPackTest, FaultyPacksAreRefusedNamingTheFile) {
         {"drop key without a list", "catalog.xml",
          Replaced(catalog, "drop=\"管道材质\"", "drop=\"阀门材质\""), false, "阀门材质"},
         {"no drop lists", "droplists.xml", "", true, "droplists.xml"},
-        {"malformed drop lists", "droplists.xml", "<droplists><list key=\"a\"></droplists>", false,
-         "droplists.xml"},
         {"project of another specialty", "project/小工程.kprj",
          Replaced(kProject, "spec=\"电气\"", "spec=\"暖通\""), false, "小工程.kprj"},
         {"project with an unknown library role", "project/小工程.kprj",
          Replaced(kProject, "role=\"quota\"", "role=\"rules\""), false, "小工程.kprj"},
-        {"malformed project", "project/小工程.kprj", "<project spec=\"电气\">", false,
-         "小工程.kprj"},
         {"no project file", "project/小工程.kprj", "", true, "no *.kprj"},
     };
     for (const auto& c : cases) {
@@ -582,12 +518,6 @@ TEST(DataPackTest, FaultyPacksAreRefusedNamingTheFile) {
     EXPECT_FALSE(LoadDataPack({dir.File(L"pack"), L"", L""}, data, error));
     EXPECT_NE(U8(error).find("profile"), std::string::npos) << U8(error);
 
-    // The pieces report on their own.
-    EXPECT_FALSE(LoadCatalogFile(dir.File(L"pack/droplists.xml"), data, error));
-    EXPECT_NE(U8(error).find("droplists.xml"), std::string::npos) << U8(error);
-    HostData empty;
-    EXPECT_FALSE(LoadProjectFile(dir.File(L"pack/project/小工程.kprj"), empty, error))
-        << "no catalog loaded, so no specialty can match";
     fs::remove(U8(dir.File(L"pack/catalog.xml")));
     fs::create_directory(U8(dir.File(L"pack/catalog.xml")));
     EXPECT_FALSE(LoadCatalogFile(dir.File(L"pack/catalog.xml"), data, error));
