@@ -52,13 +52,6 @@ Readings ReadAll(const CString& file) {
     return r;
 }
 
-std::string Utf16Be(const std::string& utf8) {
-    std::string bytes = Utf8ToUtf16Le(utf8);
-    for (size_t i = 0; i + 1 < bytes.size(); i += 2)
-        std::swap(bytes[i], bytes[i + 1]);
-    return "\xFE\xFF" + bytes;
-}
-
 } // namespace
 
 TEST(ProfileIniTest, ReadsWithoutRegardToCaseAndTrimsValues) {
@@ -167,7 +160,8 @@ TEST(ProfileIniTest, AWriteChangesHowNoOtherKeyReads) {
         "\xEF\xBB\xBF",
         "\xFF\xFE",
         "\xFF\xFE" + Utf8ToUtf16Le("[s]\r\na=1\r\n[t]\r\nb=2") + "X",
-        Utf16Be("[t]\nb=2\r") + "Y",
+        "\xFE\xFF\0[\0t\0]\0\n\0b\0=\0"
+        "2\0\rY"s,
         // Read as GB18030 only for k's line, or only for section t.
         "[s]\r\na=" + both + "\r\nk=" + gbOnly + "\r\n",
         "[s]\na=" + both + "\n[t]\nz=" + gbOnly + "\n",

@@ -31,15 +31,10 @@ std::uint32_t LittleEndianAt(const std::string& bytes, size_t at) {
 // and fails the test.
 std::vector<Walked> Walk(const std::string& bytes) {
     std::vector<Walked> records;
-    size_t at = 0;
-    while (at < bytes.size()) {
-        if (at + 8 > bytes.size()) {
-            ADD_FAILURE() << "record head cut short at " << at;
-            break;
-        }
-        const std::uint32_t length = LittleEndianAt(bytes, at + 4);
+    for (size_t at = 0; at < bytes.size();) {
+        const size_t length = at + 8 <= bytes.size() ? LittleEndianAt(bytes, at + 4) : bytes.size();
         if (at + 8 + length > bytes.size()) {
-            ADD_FAILURE() << "payload cut short at " << at;
+            ADD_FAILURE() << "record cut short at " << at;
             break;
         }
         records.push_back({LittleEndianAt(bytes, at), bytes.substr(at + 8, length), at});
