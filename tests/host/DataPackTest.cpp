@@ -4,6 +4,7 @@
 #include <pugixml.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -428,78 +429,58 @@ TEST(DataPackTest, SmallPackLoadsEveryField) {
 }
 
 TEST(DataPackTest, FaultyPacksAreRefusedNamingTheFile) {
-    struct Case {
-        std::string what;
-        std::string file;    // the pack file to replace ("" keeps the pack as it is)
-        std::string content; // its new content; empty with remove set removes it
-        bool remove;
-        std::string named; // text the error must contain
-    };
-    const std::string catalog = kCatalog;
-    const std::vector<Case> cases = {
-        {"no catalog", "catalog.xml", "", true, "catalog.xml"},
-        {"unclosed element", "catalog.xml", Replaced(catalog, "</spec>\n  <spec", "\n  <spec"),
-         false, "catalog.xml: malformed XML at line"},
-        {"wrong root", "catalog.xml", "<catalogue/>", false, "catalog.xml"},
-        {"specialty with a bad id", "catalog.xml",
-         Replaced(catalog, "<spec id=\"3\"", "<spec id=\"3x\""), false, "catalog.xml"},
-        {"large category without name", "catalog.xml",
-         Replaced(catalog, " name=\"配电箱柜\">", ">"), false, "catalog.xml"},
-        {"small category without id", "catalog.xml", Replaced(catalog, "id=\"20102\" ", ""), false,
-         "catalog.xml"},
-        {"sibling small ids repeat", "catalog.xml",
-         Replaced(catalog, "id=\"20102\"", "id=\"20101\""), false, "catalog.xml"},
-        {"attribute without code", "catalog.xml", Replaced(catalog, " code=\"GJ\"", ""), false,
-         "catalog.xml"},
-        {"misspelt element", "catalog.xml",
-         Replaced(catalog, "<attr field=\"KD\"", "<atr field=\"KD\""), false, "catalog.xml"},
-        {"specialty name with a space", "catalog.xml",
-         Replaced(catalog, "name=\"电气\"", "name=\"电 气\""), false,
+    // The pack file spoilt, the text replaced in it (none removes the file), and what the
+    // error must contain.
+    const std::string c = "catalog.xml", p = "project/小工程.kprj";
+    const std::vector<std::array<std::string, 4>> cases = {
+        {c, "", "", "catalog.xml"},
+        {c, "</spec>\n  <spec", "\n  <spec", "catalog.xml: malformed XML at line"},
+        {c, kCatalog, "<catalogue/>", "root element is <catalogue>"},
+        {c, "<spec id=\"3\"", "<spec id=\"3x\"", "has id \"3x\", not a positive number"},
+        {c, " name=\"配电箱柜\">", ">", "large category without a name in 电气"},
+        {c, "id=\"20102\" ", "", "small category \"排水管\" in 给排水\\管道 has no id"},
+        {c, "id=\"20102\"", "id=\"20101\"", "repeats the id 20101 of a sibling"},
+        {c, " code=\"GJ\"", "", "attribute \"管径(mm)\" of 给排水\\管道\\给水管 has no code"},
+        {c, "<attr field=\"KD\"", "<atr field=\"KD\"", "unexpected element <atr>"},
+        {c, "name=\"电气\"", "name=\"电 气\"",
          "catalog.xml: specialty \"电 气\" in <catalog> can't be an XML element name, as the "
          "configuration files need: \" \" (U+0020) can't stand in a name"},
-        {"large category name starting with a digit", "catalog.xml",
-         Replaced(catalog, "name=\"管道\"", "name=\"1管道\""), false,
+        {c, "name=\"管道\"", "name=\"1管道\"",
          "large category \"1管道\" in 给排水 can't be an XML element name, as the configuration "
          "files need: \"1\" (U+0031) can't start a name"},
-        {"small category name with a colon", "catalog.xml",
-         Replaced(catalog, "name=\"排水管\"", "name=\"排:水管\""), false,
+        {c, "name=\"排水管\"", "name=\"排:水管\"",
          "small category \"排:水管\" in 给排水\\管道 can't be an XML element name, as the "
          "configuration files need: a colon would need a namespace declaration"},
-        {"small category name with a line break", "catalog.xml",
-         Replaced(catalog, "name=\"排水管\"", "name=\"排&#10;水管\""), false,
+        {c, "name=\"排水管\"", "name=\"排&#10;水管\"",
          "small category \"排U+000A水管\" in 给排水\\管道 can't be an XML element name, as the "
          "configuration files need: U+000A can't stand in a name"},
-        {"small category name with a backslash", "catalog.xml",
-         Replaced(catalog, "name=\"给水管\"", "name=\"给水\\管\""), false,
+        {c, "name=\"给水管\"", "name=\"给水\\管\"",
          "catalog.xml: small category \"给水\\管\" in 给排水\\管道 holds a backslash, which "
          "separates the levels of a category path"},
-        {"drop key without a list", "catalog.xml",
-         Replaced(catalog, "drop=\"管道材质\"", "drop=\"阀门材质\""), false, "阀门材质"},
-        {"no drop lists", "droplists.xml", "", true, "droplists.xml"},
-        {"project of another specialty", "project/小工程.kprj",
-         Replaced(kProject, "spec=\"电气\"", "spec=\"暖通\""), false, "小工程.kprj"},
-        {"project with an unknown library role", "project/小工程.kprj",
-         Replaced(kProject, "role=\"quota\"", "role=\"rules\""), false, "小工程.kprj"},
-        {"no project file", "project/小工程.kprj", "", true, "no *.kprj"},
+        {c, "drop=\"管道材质\"", "drop=\"阀门材质\"", "阀门材质"},
+        {"droplists.xml", "", "", "droplists.xml"},
+        {p, "spec=\"电气\"", "spec=\"暖通\"", "小工程.kprj"},
+        {p, "role=\"quota\"", "role=\"rules\"", "小工程.kprj"},
+        {p, "", "", "no *.kprj"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
+    for (const auto& [file, from, to, named] : cases) {
+        SCOPED_TRACE(file + ": " + from + " -> " + to);
         TempDir dir;
         auto files = MiniPack();
-        if (c.remove)
-            files.erase(c.file);
+        if (from.empty())
+            files.erase(file);
         else
-            files[c.file] = c.content;
+            files[file] = Replaced(files[file], from, to);
         WritePack(dir, files);
-        if (c.remove && c.file.starts_with("project/"))
-            fs::create_directories(U8(dir.File(L"pack/project")));
+        fs::create_directories(U8(dir.File(L"pack/project")));
 
         HostData data;
         data.profile.version = L"untouched";
         CString error;
         EXPECT_FALSE(LoadDataPack({dir.File(L"pack"), L"", dir.File(L"cfg")}, data, error));
         std::string text = U8(error);
-        EXPECT_NE(text.find(c.named), std::string::npos) << text;
+        EXPECT_TRUE(text.starts_with(U8(dir.File(L"pack/")))) << text;
+        EXPECT_NE(text.find(named), std::string::npos) << text;
         EXPECT_EQ(text.find('\n'), std::string::npos) << text;
         EXPECT_EQ(U8(data.profile.version), "untouched") << "a failed load leaves the data alone";
     }

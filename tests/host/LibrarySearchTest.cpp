@@ -44,9 +44,14 @@ INSERT INTO bill_quota (bill, quota, position) VALUES
 )";
 
 struct TestLibraries {
+    TestLibraries() {
+        EXPECT_TRUE(bills.Open(files, L"{B}"));
+        EXPECT_TRUE(quotas.Open(files, L"{Q}"));
+    }
     TempDir dir;
     std::vector<CString> files = {BuildLibrary(dir, L"bills", kBills),
                                   BuildLibrary(dir, L"quotas", kQuotas)};
+    ItemLibrary bills, quotas;
 };
 
 std::vector<CString> Numbers(const std::vector<LibraryItem>& items) {
@@ -62,8 +67,7 @@ using Strings = std::vector<CString>;
 
 TEST(LibrarySearch, ChaptersComeInTreeOrderAndPositionsFindThem) {
     TestLibraries libraries;
-    ItemLibrary bills;
-    ASSERT_TRUE(bills.Open(libraries.files, L"{B}"));
+    ItemLibrary& bills = libraries.bills;
     EXPECT_TRUE(bills.HoldsBills());
     EXPECT_EQ(bills.Name(), L"清单");
     Strings positions;
@@ -82,8 +86,7 @@ TEST(LibrarySearch, ChaptersComeInTreeOrderAndPositionsFindThem) {
     EXPECT_EQ(bills.FindChapter(4)->parent, 3);
 
     // Codes with dots: "8.1.9" is the root 8.1 and its chapter 9, though 8 has a chapter 8.1.
-    ItemLibrary quotas;
-    ASSERT_TRUE(quotas.Open(libraries.files, L"{Q}"));
+    ItemLibrary& quotas = libraries.quotas;
     EXPECT_FALSE(quotas.HoldsBills());
     EXPECT_EQ(quotas.ChapterAt(L"8.8.1"), 2);
     EXPECT_EQ(quotas.ChapterAt(L"8.1.9"), 5);
@@ -95,9 +98,7 @@ TEST(LibrarySearch, ChaptersComeInTreeOrderAndPositionsFindThem) {
 
 TEST(LibrarySearch, ItemsOfAChapterAndByNumberCarryTheirFields) {
     TestLibraries libraries;
-    ItemLibrary bills, quotas;
-    ASSERT_TRUE(bills.Open(libraries.files, L"{B}"));
-    ASSERT_TRUE(quotas.Open(libraries.files, L"{Q}"));
+    ItemLibrary &bills = libraries.bills, &quotas = libraries.quotas;
     EXPECT_EQ(Numbers(bills.ItemsOf(4)), (Strings{L"031003001", L"031003003"}));
     EXPECT_TRUE(bills.ItemsOf(3).empty()) << "a chapter lists its own items only";
     const std::vector<LibraryItem> pipes = bills.ItemsOf(5);
@@ -122,9 +123,7 @@ TEST(LibrarySearch, ItemsOfAChapterAndByNumberCarryTheirFields) {
 
 TEST(LibrarySearch, FindsByNumberPrefixAndByAnyPartOfTheName) {
     TestLibraries libraries;
-    ItemLibrary bills, quotas;
-    ASSERT_TRUE(bills.Open(libraries.files, L"{B}"));
-    ASSERT_TRUE(quotas.Open(libraries.files, L"{Q}"));
+    ItemLibrary &bills = libraries.bills, &quotas = libraries.quotas;
     // Numbers from their start, in the tree's order (0310 before 0304).
     EXPECT_EQ(Numbers(bills.Search(L"0310")),
               (Strings{L"031001001", L"031001006", L"031003001", L"031003003"}));
@@ -168,9 +167,7 @@ TEST(LibrarySearch, FindsByNumberPrefixAndByAnyPartOfTheName) {
 
 TEST(LibrarySearch, QuotasLinkedToABillByItsCode) {
     TestLibraries libraries;
-    ItemLibrary bills, quotas;
-    ASSERT_TRUE(bills.Open(libraries.files, L"{B}"));
-    ASSERT_TRUE(quotas.Open(libraries.files, L"{Q}"));
+    ItemLibrary &bills = libraries.bills, &quotas = libraries.quotas;
     EXPECT_EQ(Numbers(quotas.QuotasOfBill(L"031003001")), (Strings{L"8-12", L"8-13"}));
     EXPECT_EQ(Numbers(quotas.QuotasOfBill(L"031003001002")), (Strings{L"8-12", L"8-13"}))
         << "a project's number: code and sequence";
