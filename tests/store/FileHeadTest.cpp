@@ -50,6 +50,13 @@ std::vector<std::uint32_t> Tags(const std::vector<Walked>& records) {
     return tags;
 }
 
+std::vector<std::string> Payloads(const std::vector<Walked>& records) {
+    std::vector<std::string> payloads;
+    for (const auto& r : records)
+        payloads.push_back(r.payload);
+    return payloads;
+}
+
 const std::vector<std::uint32_t> kTagOrder = {1001, 1011, 1002, 1003, 1004, 1000};
 
 // A configuration file as the XML layer writes it, so that a stamped save changes nothing but
@@ -68,7 +75,7 @@ void Libraries(TestHost& host) {
 
 } // namespace
 
-TEST(WriteHead, BillModeStampsTheRootAndHeadsTheFile) {
+TEST(WriteHead, StampsTheRootAndHeadsTheFileInEitherMode) {
     TestHost host;
     Libraries(host);
     host.data.project.mode = 0;
@@ -79,46 +86,37 @@ TEST(WriteHead, BillModeStampsTheRootAndHeadsTheFile) {
     const std::string bytes = host.dir.Read(file);
     const std::vector<Walked> records = Walk(bytes);
     ASSERT_EQ(Tags(records), kTagOrder);
-    EXPECT_EQ(records[1].payload, "2.5.10");
-    EXPECT_EQ(records[0].payload, "5");
-    EXPECT_EQ(records[2].payload, "清单模式");
-    EXPECT_EQ(records[3].payload, "国标清单2013.mdb");
-    EXPECT_EQ(records[4].payload, "安装定额2015.mdb");
-    EXPECT_EQ(records[5].payload,
-              kSourceHead +
-                  " CalMode=\"清单版\" BillName=\"国标清单2013\" BillGuid=\"B-GUID\" "
-                  "BillCorpCode=\"GB\" QuotaName=\"安装定额2015\" QuotaGuid=\"Q-GUID\" "
-                  "QuotaArea=\"2015\" QuotaYear=\"JS\"" +
-                  kSourceTail);
+    EXPECT_EQ(Payloads(records),
+              (std::vector<std::string>{
+                  "5", "2.5.10", "清单模式", "国标清单2013.mdb", "安装定额2015.mdb",
+                  kSourceHead +
+                      " CalMode=\"清单版\" BillName=\"国标清单2013\" BillGuid=\"B-GUID\" "
+                      "BillCorpCode=\"GB\" QuotaName=\"安装定额2015\" QuotaGuid=\"Q-GUID\" "
+                      "QuotaArea=\"2015\" QuotaYear=\"JS\"" +
+                      kSourceTail}));
     EXPECT_EQ(records[5].offset + 8 + records[5].payload.size(), bytes.size())
         << "nothing follows the body";
     EXPECT_TRUE(host.messages.Messages().empty());
-}
 
-TEST(WriteHead, QuotaModeTakesTheQuotaLibraryAndLeavesTheBillFileEmpty) {
-    TestHost host;
-    Libraries(host);
+    // Quota mode takes the quota library and leaves the bill file empty; no version is 1.0.0.
     host.data.project.mode = 1;
     host.data.profile.version = L"";
     // Attributes the root already has keep their place and take the new values.
     const std::string head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                              "<自动套清单定额配置信息 QuotaYear=\"旧\" Version=\"2.5.0\" "
                              "CalMode=\"清单版\"";
-    const CString file = host.dir.Write(L"cfg.xml", head + kSourceTail);
-
+    host.dir.Write(L"cfg.xml", head + kSourceTail);
     CAutoQdDeConfigFacade::WriteHead(file);
-    const std::vector<Walked> records = Walk(host.dir.Read(file));
-    ASSERT_EQ(Tags(records), kTagOrder);
-    EXPECT_EQ(records[1].payload, "1.0.0");
-    EXPECT_EQ(records[2].payload, "定额模式");
-    EXPECT_EQ(records[3].payload, "");
-    EXPECT_EQ(records[4].payload, "单列定额2020.mdb");
-    EXPECT_EQ(records[5].payload,
-              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-              "<自动套清单定额配置信息 QuotaYear=\"SH\" Version=\"2.5.0\" CalMode=\"定额版\" "
-              "BillName=\"国标清单2013\" BillGuid=\"B-GUID\" BillCorpCode=\"GB\" "
-              "QuotaName=\"单列定额2020\" QuotaGuid=\"D-GUID\" QuotaArea=\"2020\"" +
-                  std::string(kSourceTail));
+    const std::vector<Walked> quota = Walk(host.dir.Read(file));
+    ASSERT_EQ(Tags(quota), kTagOrder);
+    EXPECT_EQ(Payloads(quota),
+              (std::vector<std::string>{
+                  "5", "1.0.0", "定额模式", "", "单列定额2020.mdb",
+                  "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                  "<自动套清单定额配置信息 QuotaYear=\"SH\" Version=\"2.5.0\" CalMode=\"定额版\" "
+                  "BillName=\"国标清单2013\" BillGuid=\"B-GUID\" BillCorpCode=\"GB\" "
+                  "QuotaName=\"单列定额2020\" QuotaGuid=\"D-GUID\" QuotaArea=\"2020\"" +
+                      std::string(kSourceTail)}));
 }
 
 TEST(WriteHead, FilesWithoutTheRootStayAsTheyWere) {
