@@ -98,7 +98,7 @@ int SelectedRow(CDialog& dlg) {
 
 } // namespace
 
-TEST(WorkbenchItems, APickedBillIsNumberedAndItsQuotasGoToTheSelectedRowsBill) {
+TEST(WorkbenchItems, APickedBillIsNumberedItsQuotasGoToTheSelectedRowsBillAndDeleteTakesMixedRows) {
     TestHost host;
     Catalog(host);
     InstallLibraries(host);
@@ -126,6 +126,7 @@ TEST(WorkbenchItems, APickedBillIsNumberedAndItsQuotasGoToTheSelectedRowsBill) {
         PickBill(dlg, L"031001006", [](CDialog& d) { ClickDlgItem(d, IDOK); });
         EXPECT_EQ(GridColumn(dlg, 1), (std::vector<CString>{L"031001001001", L"031001006001"}));
         EXPECT_EQ(GridColumn(dlg, 4), (std::vector<CString>{L"L*1.02", L"L"}));
+        EXPECT_EQ(GridColumn(dlg, 5), (std::vector<CString>{L"是", L"否"}));
         EXPECT_EQ(SelectedRow(dlg), 2);
 
         // A quota goes to the bill of the one selected row, a quota row's bill included;
@@ -149,6 +150,13 @@ TEST(WorkbenchItems, APickedBillIsNumberedAndItsQuotasGoToTheSelectedRowsBill) {
         EXPECT_EQ(GridColumn(dlg, 1).size(), 4u);
         EXPECT_TRUE(host.messages.Messages().empty());
 
+        // 删除 takes a quota with the next bill, and selects the row above the lowest one.
+        SelectRows(dlg, 3, 4);
+        ClickDlgItem(dlg, kDeleteRows);
+        EXPECT_EQ(GridColumn(dlg, 1), (std::vector<CString>{L"031001001001", L"10-1-2"}));
+        EXPECT_EQ(GridColumn(dlg, 4), (std::vector<CString>{L"L*1.02", L"L"}));
+        EXPECT_EQ(SelectedRow(dlg), 2);
+
         // A category without calculation items: the warning once for each item without a
         // formula, and the item all the same.
         SelectLeaf(dlg, {L"管道", L"排水管"});
@@ -157,22 +165,29 @@ TEST(WorkbenchItems, APickedBillIsNumberedAndItsQuotasGoToTheSelectedRowsBill) {
         Ctl<CGridCtrl>(dlg, kGrid).UserClickCell(1, 1);
         SendQuota(dlg, L"10-1-2");
         SendQuota(dlg, L"10-1-3", L"L");
-        EXPECT_EQ(host.messages.Texts(),
-                  (std::vector<CString>{L"计算规则不对应!", L"计算规则不对应!"}));
         EXPECT_EQ(GridColumn(dlg, 1),
                   (std::vector<CString>{L"031001006001", L"10-1-2", L"10-1-3"}));
         EXPECT_EQ(GridColumn(dlg, 4), (std::vector<CString>{L"", L"", L"L"}));
+
+        // A bill with its own quota: the bill goes first, the quota's delete finds nothing.
+        SelectRows(dlg, 1, 2);
+        ClickDlgItem(dlg, kDeleteRows);
+        EXPECT_EQ(GridColumn(dlg, 1), std::vector<CString>{});
+        EXPECT_EQ(SelectedRow(dlg), 0) << "deleting row 1 leaves the header selected";
+        EXPECT_EQ(host.messages.Texts(),
+                  (std::vector<CString>{L"计算规则不对应!", L"计算规则不对应!"}))
+            << "and deleting asks nothing";
         PressEsc(dlg);
     });
 
     // What reached the file: the records as the library gave them, with the project's codes.
     CQdDeConfigPresenter presenter;
     ConfigNode* water = SavedConfigs(presenter, Category(1, 101))[0];
-    const QdStruct& plastic = water->GetQd(2)->m_qd;
-    EXPECT_EQ(plastic.strQdId, L"031001006001");
-    EXPECT_EQ(plastic.strUnitCode, L"10");
-    EXPECT_EQ(plastic.strQdCode, L"{BILL-2013}");
-    EXPECT_EQ(plastic.strAnnex, L"否");
+    ASSERT_EQ(water->GetQd().size(), 1u);
+    const QdStruct& steel = water->GetQd(1)->m_qd;
+    EXPECT_EQ(steel.strQdId, L"031001001001");
+    EXPECT_EQ(steel.strQdCode, L"{BILL-2013}");
+    EXPECT_EQ(steel.strAnnex, L"是");
     const DeStruct& quota = water->GetQd(1)->GetDe(1)->m_de;
     EXPECT_EQ(quota.strDeCode, L"{QUOTA-2018}");
     EXPECT_EQ(quota.strUnitCode, L"10");
@@ -210,40 +225,4 @@ TEST(WorkbenchItems, QuotaModeTakesQuotasFromItsPickerAndDeleteTakesQuotaRows) {
     ConfigNode* water = SavedConfigs(presenter, Category(1, 101))[0];
     ASSERT_EQ(water->GetDe().size(), 1u);
     EXPECT_EQ(water->GetDe(1)->m_de.strDeCode, L"{QUOTA-2016}");
-}
-
-TEST(WorkbenchItems, DeleteTakesMixedSelectionsAndSelectsAboveTheLowestRow) {
-    TestHost host;
-    Catalog(host);
-    {
-        // Bills A (quotas a1, a2) and B (quota b1) in the bill-mode configuration.
-        CQdDeConfigPresenter presenter;
-        int id = -1;
-        ASSERT_TRUE(presenter.AddConfig(Category(1, 101), id));
-        CPath config = Category(1, 101, id);
-        std::vector<ConfigNode*> configs;
-        ASSERT_TRUE(presenter.AddQd(Bill(L"A", L"甲", L"m", L"{BILL-2013}"), config, configs));
-        ASSERT_TRUE(presenter.AddQd(Bill(L"B", L"乙", L"m", L"{BILL-2013}"), config, configs));
-        for (auto [bill, quota] : {std::pair{1, L"a1"}, {1, L"a2"}, {2, L"b1"}}) {
-            CPath owner = config;
-            owner.QdId = bill;
-            ASSERT_TRUE(
-                presenter.AddDe2QdNode(Quota(quota, L"定额", L"{QUOTA-2018}"), owner, configs));
-        }
-        ASSERT_TRUE(presenter.Save());
-    }
-    RunWorkbench([&](CDialog& dlg) {
-        ASSERT_EQ(GridColumn(dlg, 1), (std::vector<CString>{L"A", L"a1", L"a2", L"B", L"b1"}));
-        SelectRows(dlg, 3, 4); // a2 and B
-        ClickDlgItem(dlg, kDeleteRows);
-        EXPECT_EQ(GridColumn(dlg, 1), (std::vector<CString>{L"A", L"a1"}));
-        EXPECT_EQ(SelectedRow(dlg), 2);
-        // A bill with its own quota: the bill goes first, the quota's delete finds nothing.
-        SelectRows(dlg, 1, 2);
-        ClickDlgItem(dlg, kDeleteRows);
-        EXPECT_EQ(GridColumn(dlg, 1), std::vector<CString>{});
-        EXPECT_EQ(SelectedRow(dlg), 0) << "deleting row 1 leaves the header selected";
-        PressEsc(dlg);
-    });
-    EXPECT_TRUE(host.messages.Messages().empty()) << "no confirmation";
 }

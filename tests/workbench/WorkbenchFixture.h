@@ -25,28 +25,20 @@ const wchar_t* const kBillLib = L"{BILL-2013}";
 const wchar_t* const kBillQuotaLib = L"{QUOTA-2018}";
 const wchar_t* const kQuotaLib = L"{QUOTA-2016}";
 
-inline HostSmallCategory& Small(TestHost& host, const CString& large, const CString& small) {
-    for (auto& spec : host.data.catalog)
-        for (auto& l : spec.larges)
-            for (auto& s : l.smalls)
-                if (l.name == large && s.name == small)
-                    return s;
-    throw std::logic_error("no such category");
-}
-
 // 给排水: 管道 (给水管 with pipe fittings, 配管配线, 排水管), 阀门 (阀门).
 inline void Catalog(TestHost& host, int mode = 0) {
     host.Add(L"给排水", L"管道", L"给水管", 1, 101);
     host.Add(L"给排水", L"管道", L"配管配线", 1, 102);
     host.Add(L"给排水", L"管道", L"排水管", 1, 103);
     host.Add(L"给排水", L"阀门", L"阀门", 2, 201);
-    HostSmallCategory& water = Small(host, L"管道", L"给水管");
+    auto& pipes = host.data.catalog.front().larges.front().smalls;
+    HostSmallCategory& water = pipes[0];
     water.attType = 1;
     water.attributes = {{L"GDCZ", L"材质", L"给水管材质", L"CZ"},
                         {L"GDGJ", L"管径(mm)", L"管径", L"GJ"},
                         {L"BWCZ", L"保温材质", L"", L"BWCZ"},
                         {L"XTBH", L"系统编号", L"", L"XTBH"}};
-    Small(host, L"管道", L"排水管").attributes = {{L"GDCZ", L"材质", L"排水管材质", L"CZ"}};
+    pipes[2].attributes = {{L"GDCZ", L"材质", L"排水管材质", L"CZ"}};
     host.data.dropLists[L"给水管材质"] = {L"镀锌钢管", L"PP-R管"};
     host.data.dropLists[L"排水管材质"] = {L"UPVC管", L"铸铁管"};
     host.data.dropLists[L"管径"] = {L"DN15", L"DN20"};
@@ -57,12 +49,7 @@ inline void Catalog(TestHost& host, int mode = 0) {
 }
 
 inline CPath Category(int large, int small, int config = CPath::kNone) {
-    CPath path;
-    path.SpecId = 2;
-    path.LMemberId = large;
-    path.SMemberId = small;
-    path.ConfigId = config;
-    return path;
+    return {2, large, small, config};
 }
 
 inline QdStruct Bill(const CString& number, const CString& name, const CString& unit,
@@ -154,10 +141,6 @@ inline bool Enabled(CDialog& dialog, int id) {
 inline void ChooseAttribute(CDialog& dialog, const CString& name) {
     CListBox& list = Ctl<CListBox>(dialog, kAttributeList);
     list.UserSelect(list.FindStringExact(-1, name));
-}
-
-inline int CountConditions(CDialog& dialog) {
-    return Ctl<CListBox>(dialog, kConditionList).GetCount();
 }
 
 // The configurations of a category as the file holds them now.
