@@ -6,19 +6,16 @@
 #include "platform/FileSystem.h"
 #include "presenter/CAutoQdDeConfigFacade.h"
 #include "tests/workbench/WorkbenchFixture.h"
-#include "workbench/COnlineAutoConfigDlg.h"
-#include "workbench/DlgSaveAs.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPalette>
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
 using namespace workbench_test;
 using koqdde::ui::ClickDlgItem;
+using koqdde::ui::ModalHook;
 using koqdde::ui::ModalHookScope;
 using koqdde::ui::TypeDlgItem;
 
@@ -37,38 +34,30 @@ size_t ConfigsOnDisk(const CString& file) {
     return SavedConfigs(presenter, Category(1, 101)).size();
 }
 
-// Answers the next side dialog as the user would: act on it, then what its buttons gave.
-class SideDialog {
-public:
-    explicit SideDialog(std::function<void(CDialog&)> act)
-        : m_hook([this, act](CDialog& d) {
-              act(d);
-              return d.GetEndResult();
-          }) {}
-    int Calls() const { return m_hook.Calls(); }
-
-private:
-    ModalHookScope m_hook;
-};
-
-void NameAndOk(CDialog& d, const CString& name) {
-    TypeDlgItem(d, kFileName, name);
-    ClickDlgItem(d, IDOK);
+// Answers the next side dialog as the user would; then what its buttons gave.
+ModalHook Answer(const std::function<void(CDialog&)>& act) {
+    return [act](CDialog& d) {
+        act(d);
+        return d.GetEndResult();
+    };
 }
 
-void PickAndOk(CDialog& d, const CString& name) {
-    CListBox& list = Ctl<CListBox>(d, kFileList);
-    list.UserSelect(list.FindStringExact(-1, name));
-    ClickDlgItem(d, IDOK);
+// The file dialog's answer: a name typed (new, save as) or picked from the list (open), OK.
+ModalHook NameAndOk(const CString& name, bool pick = false) {
+    return Answer([=](CDialog& d) {
+        if (pick) {
+            CListBox& list = Ctl<CListBox>(d, kFileList);
+            list.UserSelect(list.FindStringExact(-1, name));
+        } else {
+            TypeDlgItem(d, kFileName, name);
+        }
+        ClickDlgItem(d, IDOK);
+    });
 }
 
 void PressKey(CDialog& dialog, int key) {
     QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
     QApplication::sendEvent(dialog.widget(), &press);
-}
-
-CString Title(CDialog& dlg) {
-    return dlg.GetWindowText();
 }
 
 } // namespace
@@ -86,36 +75,34 @@ TEST(WorkbenchFiles, NewOpenAndSaveAsSwitchOrCopyTheFileAsTheCommandSays) {
         ASSERT_EQ(Column(dlg, 0).size(), 2u);
 
         // 另存: a copy under the new name; the workbench stays on its file.
-        SideDialog saveAs([](CDialog& d) { NameAndOk(d, L"副本"); });
+        ModalHookScope saveAs(NameAndOk(L"副本"));
         ClickDlgItem(dlg, kSaveFileAs);
-        EXPECT_EQ(saveAs.Calls(), 1);
         EXPECT_EQ(host.messages.Texts(), std::vector<CString>{L"另存成功。"});
         EXPECT_EQ(host.messages.Messages().back().flags, kInformationFlags);
-        EXPECT_EQ(Title(dlg), L"自动套配置-[ 清单模式: DefaultConfig ]");
+        EXPECT_EQ(dlg.GetWindowText(), L"自动套配置-[ 清单模式: DefaultConfig ]");
         EXPECT_EQ(ConfigsOnDisk(ConfigFile(host, L"副本")), 2u);
         host.messages.Clear();
 
         // 新建: the open file is saved before the switch; the new one has the default only.
         ClickDlgItem(dlg, kAddConfig);
-        SideDialog create([](CDialog& d) { NameAndOk(d, L"新文件"); });
+        ModalHookScope create(NameAndOk(L"新文件"));
         ClickDlgItem(dlg, kNewFile);
-        EXPECT_EQ(create.Calls(), 1);
-        EXPECT_EQ(Title(dlg), L"自动套配置-[ 清单模式: 新文件 ]");
+        EXPECT_EQ(dlg.GetWindowText(), L"自动套配置-[ 清单模式: 新文件 ]");
         EXPECT_EQ(Column(dlg, 1), std::vector<CString>{L"其它"});
         EXPECT_EQ(SelectedConfigRow(dlg), 0);
         EXPECT_EQ(ConfigsOnDisk(host.DefaultConfigFile()), 3u);
 
         // 调用 of a file that is no configuration: a warning, and the open file stays.
-        SideDialog refused([](CDialog& d) { PickAndOk(d, L"坏文件"); });
+        ModalHookScope refused(NameAndOk(L"坏文件", true));
         ClickDlgItem(dlg, kOpenFile);
         EXPECT_EQ(host.messages.Texts().back(), L"文件功能不匹配!");
         EXPECT_EQ(host.messages.Messages().back().flags, kWarningFlags);
-        EXPECT_EQ(Title(dlg), L"自动套配置-[ 清单模式: 新文件 ]");
+        EXPECT_EQ(dlg.GetWindowText(), L"自动套配置-[ 清单模式: 新文件 ]");
 
         // 调用 of the copy: its configurations, the tree keeping its selection.
-        SideDialog open([](CDialog& d) { PickAndOk(d, L"副本"); });
+        ModalHookScope open(NameAndOk(L"副本", true));
         ClickDlgItem(dlg, kOpenFile);
-        EXPECT_EQ(Title(dlg), L"自动套配置-[ 清单模式: 副本 ]");
+        EXPECT_EQ(dlg.GetWindowText(), L"自动套配置-[ 清单模式: 副本 ]");
         EXPECT_EQ(Column(dlg, 0).size(), 2u);
         // The open-file lock went with the switch: an edit of the open file is told the
         // workbench has it, one of the file left behind goes ahead.
@@ -127,9 +114,9 @@ TEST(WorkbenchFiles, NewOpenAndSaveAsSwitchOrCopyTheFileAsTheCommandSays) {
         EXPECT_EQ(tree.GetItemText(tree.GetSelectedItem()), L"给水管");
 
         // A cancelled file dialog changes nothing.
-        SideDialog cancelled([](CDialog& d) { ClickDlgItem(d, IDCANCEL); });
+        ModalHookScope cancelled(Answer([](CDialog& d) { ClickDlgItem(d, IDCANCEL); }));
         ClickDlgItem(dlg, kNewFile);
-        EXPECT_EQ(Title(dlg), L"自动套配置-[ 清单模式: 副本 ]");
+        EXPECT_EQ(dlg.GetWindowText(), L"自动套配置-[ 清单模式: 副本 ]");
         PressEsc(dlg);
     });
     EXPECT_EQ(CQdDeConfigPresenter().GetCurConfig(), L"副本");
@@ -175,15 +162,15 @@ TEST(WorkbenchFiles, TheCloudDiskDownloadsATemplateAsTheCurrentConfiguration) {
     RunWorkbench([&](CDialog& dlg) {
         ClickDlgItem(dlg, kAddConfig);
         ClickDlgItem(dlg, kAddConfig);
-        SideDialog download([](CDialog& d) {
+        ModalHookScope download(Answer([](CDialog& d) {
             CListCtrl& list = Ctl<CListCtrl>(d, NetDiskIds::kList);
             ASSERT_EQ(list.GetItemCount(), 1);
             EXPECT_EQ(list.GetItemText(0, 0), L"住宅模板");
             EXPECT_TRUE(list.GetItemText(0, 1).Find(L" KB") > 0);
             ClickDlgItem(d, IDOK);
-        });
+        }));
         ClickDlgItem(dlg, kImportFromCloud);
-        EXPECT_EQ(Title(dlg), L"自动套配置-[ 清单模式: 住宅模板 ]");
+        EXPECT_EQ(dlg.GetWindowText(), L"自动套配置-[ 清单模式: 住宅模板 ]");
         EXPECT_EQ(Column(dlg, 0).size(), 2u);
         EXPECT_EQ(ConfigsOnDisk(host.DefaultConfigFile()), 3u) << "saved before the switch";
 
@@ -191,11 +178,11 @@ TEST(WorkbenchFiles, TheCloudDiskDownloadsATemplateAsTheCurrentConfiguration) {
         // file anew, so an edit since the last save is gone.
         ClickDlgItem(dlg, kAddConfig);
         host.messages.Answer(IDNO);
-        SideDialog keep([](CDialog& d) {
+        ModalHookScope keep(Answer([](CDialog& d) {
             ClickDlgItem(d, IDOK);
             EXPECT_FALSE(d.IsEnded()) << "a No keeps the dialog open";
             ClickDlgItem(d, IDCANCEL);
-        });
+        }));
         ClickDlgItem(dlg, kImportFromCloud);
         EXPECT_TRUE(host.messages.Texts().back().Find(L"已存在") >= 0);
         EXPECT_EQ(Column(dlg, 0).size(), 2u);
@@ -212,10 +199,7 @@ TEST(Wizard, ThePageShowsTheTemplateAndReturnsTheWayItWasLeft) {
     // Runs the page on the file; act drives it. Returns the facade's result.
     auto run = [&](const CString& qd, const CString& description, bool canGoBack,
                    const std::function<void(CDialog&)>& act) {
-        ModalHookScope hook([&](CDialog& d) {
-            act(d);
-            return d.GetEndResult();
-        });
+        ModalHookScope hook(Answer(act));
         return CAutoQdDeConfigFacade::StartOnlineConfig(file, qd, L"DEF.MDB", description,
                                                         canGoBack, nullptr);
     };
@@ -223,7 +207,7 @@ TEST(Wizard, ThePageShowsTheTemplateAndReturnsTheWayItWasLeft) {
     EXPECT_EQ(
         run(L"abc.mdb.bak", L"", false,
             [&](CDialog& d) {
-                EXPECT_EQ(Title(d), L"自动套-云模板");
+                EXPECT_EQ(d.GetWindowText(), L"自动套-云模板");
                 for (int id : {kNewFile, kOpenFile, kSaveFileAs, kImportFromCloud, kDescription})
                     EXPECT_FALSE(d.GetDlgItem(id)->IsWindowVisible()) << id;
                 for (int id : {kPrevious, kNext, kWizardCancel, kWizardNote, kQdName})
@@ -257,21 +241,19 @@ TEST(Wizard, ThePageShowsTheTemplateAndReturnsTheWayItWasLeft) {
               -1);
     EXPECT_EQ(ConfigsOnDisk(file), 3u);
 
-    EXPECT_EQ(run(L"", L"", true,
-                  [&](CDialog& d) {
-                      ClickDlgItem(d, kAddConfig);
-                      ClickDlgItem(d, kWizardCancel);
-                  }),
-              0);
-    EXPECT_EQ(ConfigsOnDisk(file), 4u) << "取消 keeps what the user did";
-
-    EXPECT_EQ(run(L"", L"", true,
-                  [&](CDialog& d) {
-                      ClickDlgItem(d, kAddConfig);
-                      Ctl<CTreeCtrl>(d, kTree).SetFocus();
-                      PressKey(d, Qt::Key_Return);
-                      EXPECT_TRUE(d.IsEnded());
-                  }),
-              0);
-    EXPECT_EQ(ConfigsOnDisk(file), 4u) << "Enter leaves the page unsaved";
+    // 取消 keeps what the user did; Enter leaves the page unsaved.
+    for (bool enter : {false, true}) {
+        EXPECT_EQ(run(L"", L"", true,
+                      [&](CDialog& d) {
+                          ClickDlgItem(d, kAddConfig);
+                          Ctl<CTreeCtrl>(d, kTree).SetFocus();
+                          if (enter)
+                              PressKey(d, Qt::Key_Return);
+                          else
+                              ClickDlgItem(d, kWizardCancel);
+                          EXPECT_TRUE(d.IsEnded());
+                      }),
+                  0);
+        EXPECT_EQ(ConfigsOnDisk(file), 4u) << enter;
+    }
 }
