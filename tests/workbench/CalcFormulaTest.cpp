@@ -28,13 +28,3 @@ TEST(CalcFormula, AcceptsExpressionsOverTheCategorysVariablesOnly) {
     EXPECT_FALSE(CheckFormula(CString(L'(', 5000) + L"L" + CString(L')', 5000), variables, error))
         << "nesting is bounded";
 }
-
-TEST(CalcFormula, EveryCategoryHasTheDefaultVariables) {
-    for (const CString& category : {CString(L"给排水\\管道\\给水管"), CString(L"未知")}) {
-        auto variables = GetCalcVariables(category);
-        ASSERT_FALSE(variables.empty());
-        EXPECT_EQ(variables[0].name, L"L");
-        CString error;
-        EXPECT_TRUE(CheckFormula(L"L*N", variables, error));
-    }
-}
