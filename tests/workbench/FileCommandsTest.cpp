@@ -7,8 +7,6 @@
 #include "presenter/CAutoQdDeConfigFacade.h"
 #include "tests/workbench/WorkbenchFixture.h"
 
-#include <QApplication>
-#include <QKeyEvent>
 #include <QPalette>
 
 #include <filesystem>
@@ -53,11 +51,6 @@ ModalHook NameAndOk(const CString& name, bool pick = false) {
         }
         ClickDlgItem(d, IDOK);
     });
-}
-
-void PressKey(CDialog& dialog, int key) {
-    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
-    QApplication::sendEvent(dialog.widget(), &press);
 }
 
 } // namespace
@@ -135,10 +128,10 @@ TEST(WorkbenchFiles, CloseBoxAndEscSaveAndEnterLeavesWithoutSaving) {
         return ConfigsOnDisk(host.DefaultConfigFile());
     };
     EXPECT_EQ(leave([](CDialog& dlg) { dlg.SendMessage(WM_CLOSE); }), 2u);
-    EXPECT_EQ(leave([](CDialog& dlg) { PressKey(dlg, Qt::Key_Escape); }), 3u);
+    EXPECT_EQ(leave([](CDialog& dlg) { PressKey(dlg.widget(), Qt::Key_Escape); }), 3u);
     EXPECT_EQ(leave([](CDialog& dlg) {
                   Ctl<CTreeCtrl>(dlg, kTree).SetFocus();
-                  PressKey(dlg, Qt::Key_Return);
+                  PressKey(dlg.widget(), Qt::Key_Return);
                   EXPECT_EQ(dlg.GetEndResult(), IDOK);
               }),
               3u)
@@ -248,7 +241,7 @@ TEST(Wizard, ThePageShowsTheTemplateAndReturnsTheWayItWasLeft) {
                           ClickDlgItem(d, kAddConfig);
                           Ctl<CTreeCtrl>(d, kTree).SetFocus();
                           if (enter)
-                              PressKey(d, Qt::Key_Return);
+                              PressKey(d.widget(), Qt::Key_Return);
                           else
                               ClickDlgItem(d, kWizardCancel);
                           EXPECT_TRUE(d.IsEnded());

@@ -2,25 +2,17 @@
 // typing, double-clicks, Enter and the "选用" button, each reaching the parent window as a
 // message with the picked record.
 
-#include "host/HostData.h"
 #include "host/datapack/DataPack.h"
 #include "host/ui/QvPickers/QvPickers.h"
-#include "support/TestHost.h"
-#include "support/ui/QtTestApp.h"
+#include "tests/workbench/WorkbenchFixture.h"
 #include "ui/QtString.h"
 
-#include <QApplication>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMouseEvent>
-#include <QTreeWidget>
-#include <QWidget>
-
-#include <gtest/gtest.h>
 
 #include <optional>
 
+using namespace workbench_test;
 using koqdde::ui::FromQString;
 using koqdde::ui::ToQString;
 
@@ -54,17 +46,14 @@ public:
 
 protected:
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
-        if (message == kPickBillMessage) {
-            ++picks;
+        if (message == kPickBillMessage)
             bill = *reinterpret_cast<const SQdInfo*>(wParam);
-            return 0;
-        }
-        if (message == kPickQuotaMessage) {
-            ++picks;
+        else if (message == kPickQuotaMessage)
             quota = *reinterpret_cast<const SDeInfo*>(wParam);
-            return 0;
-        }
-        return CWnd::WindowProc(message, wParam, lParam);
+        else
+            return CWnd::WindowProc(message, wParam, lParam);
+        ++picks;
+        return 0;
     }
 };
 
@@ -84,27 +73,7 @@ std::vector<CString> Column(QTreeWidget* list, int column) {
 QTreeWidgetItem* Row(QTreeWidget* list, const CString& number) {
     const auto rows = list->findItems(ToQString(number), Qt::MatchExactly);
     EXPECT_FALSE(rows.isEmpty()) << ToUtf8(number);
-    return rows.isEmpty() ? nullptr : rows.front();
-}
-
-// As a mouse double-clicks a row: press, release, double-click, release on the view.
-void DoubleClick(QTreeWidget* list, QTreeWidgetItem* row) {
-    ASSERT_NE(row, nullptr);
-    list->scrollToItem(row);
-    const QPoint at = list->visualItemRect(row).center();
-    QWidget* viewport = list->viewport();
-    for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
-                              QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
-        const bool down = type != QEvent::MouseButtonRelease;
-        QMouseEvent event(type, at, viewport->mapToGlobal(at), Qt::LeftButton,
-                          down ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
-        QApplication::sendEvent(viewport, &event);
-    }
-}
-
-void PressKey(QWidget* target, int key, const QString& text = QString()) {
-    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, text);
-    QApplication::sendEvent(target, &event);
+    return rows.value(0);
 }
 
 } // namespace
@@ -149,7 +118,7 @@ TEST(Picker, BillPickerOpensAtAPositionSearchesAndHandsOverBillsAndTheirQuotas) 
     EXPECT_EQ(quotas->topLevelItemCount(), 0);
 
     // A double-click on a bill hands it over as the library has it, and shows its quotas.
-    DoubleClick(items, Row(items, L"031003003"));
+    ClickRow(items, Row(items, L"031003003"), true);
     ASSERT_EQ(parent.picks, 1);
     ASSERT_TRUE(parent.bill);
     SQdInfo library;
@@ -160,7 +129,7 @@ TEST(Picker, BillPickerOpensAtAPositionSearchesAndHandsOverBillsAndTheirQuotas) 
     EXPECT_EQ(Column(quotas, 0), std::vector<CString>{L"10-3-4"});
 
     // A double-click on one of the bill's quotas hands the quota over; so does Enter.
-    DoubleClick(quotas, Row(quotas, L"10-3-4"));
+    ClickRow(quotas, Row(quotas, L"10-3-4"), true);
     ASSERT_EQ(parent.picks, 2);
     ASSERT_TRUE(parent.quota);
     EXPECT_EQ(Fields(*parent.quota), "10-3-4|焊接法兰阀门安装 DN100|个|N|1|0");

@@ -3,20 +3,12 @@
 
 #include "FindingText.h"
 #include "apps/workbench/DesktopWorkbench.h"
-#include "support/TestHost.h"
 #include "tests/workbench/WorkbenchFixture.h"
-#include "ui/ModalHook.h"
 #include "ui/QtString.h"
 
-#include <QApplication>
 #include <QComboBox>
-#include <QKeyEvent>
 #include <QLineEdit>
-#include <QMouseEvent>
 #include <QPushButton>
-#include <QTreeWidget>
-
-#include <gtest/gtest.h>
 
 using namespace workbench_test;
 using koqdde::ui::FromQString;
@@ -48,18 +40,6 @@ void ClickButton(CDialog& dialog, const char* name) {
     Find<QPushButton>(dialog, name)->click();
 }
 
-// As a mouse clicks a row: press and release on the view.
-void ClickRow(QTreeWidget* list, QTreeWidgetItem* row) {
-    const QPoint at = list->visualItemRect(row).center();
-    QWidget* viewport = list->viewport();
-    for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-        QMouseEvent event(type, at, viewport->mapToGlobal(at), Qt::LeftButton,
-                          type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
-                          Qt::NoModifier);
-        QApplication::sendEvent(viewport, &event);
-    }
-}
-
 // Top-level rows of a list as "column|column|...", the columns given.
 std::vector<QString> Rows(QTreeWidget* list, std::initializer_list<int> columns) {
     std::vector<QString> rows;
@@ -82,12 +62,9 @@ QComboBox* Field(CDialog& dialog, const QString& attribute) {
 // As the user empties a field and types `text` into it, key by key.
 void Type(QComboBox* field, const QString& text) {
     field->lineEdit()->selectAll();
-    QKeyEvent erase(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier);
-    QApplication::sendEvent(field->lineEdit(), &erase);
-    for (QChar c : text) {
-        QKeyEvent key(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
-        QApplication::sendEvent(field->lineEdit(), &key);
-    }
+    PressKey(field->lineEdit(), Qt::Key_Delete);
+    for (QChar c : text)
+        PressKey(field->lineEdit(), 0, QString(c));
 }
 
 // As the user opens a drop-down and picks the entry `text`.

@@ -8,6 +8,11 @@
 #include "ui/ModalHook.h"
 #include "workbench/CAutoConfigDlg.h"
 
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QTreeWidget>
+
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -149,6 +154,28 @@ inline std::vector<ConfigNode*> SavedConfigs(CQdDeConfigPresenter& presenter,
     std::vector<ConfigNode*> configs;
     presenter.GetConfig(category, configs);
     return configs;
+}
+
+// As a key pressed on `target`: the key, or the text it types.
+inline void PressKey(QWidget* target, int key, const QString& text = QString()) {
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, text);
+    QApplication::sendEvent(target, &event);
+}
+
+// As a mouse clicks a row of a list, or double-clicks it.
+inline void ClickRow(QTreeWidget* list, QTreeWidgetItem* row, bool twice = false) {
+    ASSERT_NE(row, nullptr);
+    list->scrollToItem(row);
+    const QPoint at = list->visualItemRect(row).center();
+    std::vector<QEvent::Type> types{QEvent::MouseButtonPress, QEvent::MouseButtonRelease};
+    if (twice)
+        types.insert(types.end(), {QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease});
+    for (QEvent::Type type : types) {
+        const auto buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, at, list->viewport()->mapToGlobal(at), Qt::LeftButton, buttons,
+                          Qt::NoModifier);
+        QApplication::sendEvent(list->viewport(), &event);
+    }
 }
 
 } // namespace workbench_test
