@@ -46,11 +46,6 @@ protected:
     }
 };
 
-QWidget* Viewport(CComboBox& box) {
-    auto* combo = qobject_cast<QComboBox*>(box.widget());
-    return combo ? combo->view()->viewport() : nullptr;
-}
-
 void SendMouse(QWidget* target, QEvent::Type type, QPoint pos) {
     QMouseEvent event(type, QPointF(pos), target->mapToGlobal(QPointF(pos)), Qt::LeftButton,
                       type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
@@ -188,54 +183,40 @@ TEST(CTTComboBox, BoxAndEditFieldShowTheirWholeText) {
     EXPECT_EQ(CTTComboBox::GetLastItem(), -1);
 }
 
-TEST(CTTComboBox, DisabledEntriesCantBeClicked) {
+TEST(CTTComboBox, DisabledEntriesCantBeClickedAndTheWheelStepsOverThemInTheArraysOrder) {
     Host host;
     CTTComboBox box;
     box.Attach(koqdde::test::MakeComboBox(&host.window, 10, 60, false));
-    for (const wchar_t* text : {L"一", L"二", L"三"})
+    for (const wchar_t* text : {L"一", L"二", L"三", L"四", L"五"})
         box.AddString(text);
     box.SetCurSel(0);
 
     // Index, flag, then the answer and whether the entry is disabled after. A flag of 0 takes
     // an entry off the list, or puts it on when it isn't there.
-    const int steps[][4] = {{-1, 1, 0, 0}, {3, 1, 0, 0}, {1, 1, 1, 1},
+    const int steps[][4] = {{-1, 1, 0, 0}, {5, 1, 0, 0}, {1, 1, 1, 1},
                             {1, 1, 1, 1},  {1, 0, 1, 0}, {1, 0, 1, 1}};
     for (const auto& [index, flag, answer, disabled] : steps) {
         EXPECT_EQ(box.SetItemDisabled(index, flag), answer) << index << " " << flag;
         EXPECT_EQ(box.IsItemDisabled(index), disabled != 0) << index << " " << flag;
     }
 
-    // A click on the disabled line leaves the list open and the selection as it was.
+    // A click on the disabled line, by the list's own call or by the mouse itself, leaves the
+    // list open and the selection as it was.
     box.UserClickListItem(1);
     EXPECT_TRUE(box.GetDroppedState());
     EXPECT_EQ(box.GetCurSel(), 0);
-    // The same with the mouse itself on the open list.
-    QWidget* viewport = Viewport(box);
-    ASSERT_NE(viewport, nullptr);
-    const QPoint onLine = [&] {
-        const CRect r = box.GetListItemRect(1);
-        return QPoint(r.CenterPoint().x, r.CenterPoint().y);
-    }();
-    SendMouse(viewport, QEvent::MouseButtonPress, onLine);
-    SendMouse(viewport, QEvent::MouseButtonRelease, onLine);
-    SendMouse(viewport, QEvent::MouseButtonDblClick, onLine);
+    QWidget* viewport = qobject_cast<QComboBox*>(box.widget())->view()->viewport();
+    const CPoint center = box.GetListItemRect(1).CenterPoint();
+    for (QEvent::Type type :
+         {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick})
+        SendMouse(viewport, type, QPoint(center.x, center.y));
     EXPECT_TRUE(box.GetDroppedState());
     EXPECT_EQ(box.GetCurSel(), 0);
-
     // Other lines are chosen as usual.
     box.UserClickListItem(2);
     EXPECT_FALSE(box.GetDroppedState());
     EXPECT_EQ(box.GetCurSel(), 2);
-}
 
-TEST(CTTComboBox, WheelStepsOverDisabledEntriesInTheArraysOrder) {
-    Host host;
-    CTTComboBox box;
-    box.Attach(koqdde::test::MakeComboBox(&host.window, 10, 60, false));
-    for (const wchar_t* text : {L"一", L"二", L"三", L"四", L"五"})
-        box.AddString(text);
-
-    box.SetItemDisabled(1, 1);
     box.SetCurSel(0);
     box.UserWheel(-120); // down: onto 1, which is passed
     EXPECT_EQ(box.GetCurSel(), 2);
