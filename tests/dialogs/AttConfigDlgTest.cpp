@@ -12,10 +12,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
 
 using koqdde::ui::ClickDlgItem;
 using koqdde::ui::SelectDlgItem;
