@@ -13,10 +13,6 @@ QWidget* MakeList(QWidget* host) {
     return koqdde::test::MakeControl(host, L"listbox", 1009, 4, 4, 60, 40, {L"notify"});
 }
 
-CPoint Center(const CRect& rc) {
-    return rc.CenterPoint();
-}
-
 } // namespace
 
 TEST(CExListBox, TipOfAnEntryIsItsWholeTextHoweverLongAndAPlainListBoxHasNone) {
@@ -39,9 +35,9 @@ TEST(CExListBox, TipOfAnEntryIsItsWholeTextHoweverLongAndAPlainListBoxHasNone) {
     CRect row0, row1;
     ASSERT_NE(list.GetItemRect(0, &row0), LB_ERR);
     ASSERT_NE(list.GetItemRect(1, &row1), LB_ERR);
-    EXPECT_EQ(list.UserHoverTip(Center(row0)), L"短");
-    EXPECT_EQ(list.UserHoverTip(Center(row1)), longText);
-    EXPECT_EQ(plain.UserHoverTip(Center(row0)), L"");
+    EXPECT_EQ(list.UserHoverTip(row0.CenterPoint()), L"短");
+    EXPECT_EQ(list.UserHoverTip(row1.CenterPoint()), longText);
+    EXPECT_EQ(plain.UserHoverTip(row0.CenterPoint()), L"");
     // Below the last entry the nearest entry is the last one, and the tip names it.
     EXPECT_EQ(list.UserHoverTip(CPoint(row1.left + 2, row1.bottom + 5)), longText);
 
@@ -50,5 +46,5 @@ TEST(CExListBox, TipOfAnEntryIsItsWholeTextHoweverLongAndAPlainListBoxHasNone) {
     EXPECT_TRUE(list.OnToolTipText(5, text));
     EXPECT_EQ(text, L"");
     list.ResetContent();
-    EXPECT_EQ(list.UserHoverTip(Center(row0)), L"");
+    EXPECT_EQ(list.UserHoverTip(row0.CenterPoint()), L"");
 }
