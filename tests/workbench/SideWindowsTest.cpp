@@ -74,14 +74,6 @@ void Choose(QComboBox* field, const QString& text) {
     field->setCurrentIndex(index);
 }
 
-void AddCondition(CQdDeConfigPresenter& presenter, const CPath& config,
-                  std::initializer_list<const wchar_t*> strings) {
-    CStringArray condition;
-    for (const wchar_t* s : strings)
-        condition.Add(s);
-    ASSERT_TRUE(presenter.AddCondition(config, condition));
-}
-
 CPath NewConfig(CQdDeConfigPresenter& presenter, const CPath& category) {
     int id = -1;
     EXPECT_TRUE(presenter.AddConfig(category, id));
@@ -101,12 +93,14 @@ TEST(SideWindows, RuleCheckListsAShadowedConfigurationAndLeadsToItAndChecksEdits
         std::vector<ConfigNode*> configs;
         const CPath first = NewConfig(presenter, Category(1, 103));
         const CPath second = NewConfig(presenter, Category(1, 103));
-        AddCondition(presenter, first, {L"材质", L"1", L"＝", L"", L"", L"UPVC管", L"", L""});
-        AddCondition(presenter, second, {L"材质", L"1", L"＝", L"", L"", L"UPVC管", L"", L""});
-        AddCondition(presenter, second, {L"具体构件", L"1", L"＝", L"", L"", L"立管", L"", L""});
-        for (const CPath& config : {first, second})
+        for (const CPath& config : {first, second}) {
+            ASSERT_TRUE(presenter.AddCondition(
+                config, {L"材质", L"1", L"＝", L"", L"", L"UPVC管", L"", L""}));
             ASSERT_TRUE(
                 presenter.AddQd(Bill(L"031001006001", L"塑料管", L"m", kBillLib), config, configs));
+        }
+        ASSERT_TRUE(presenter.AddCondition(
+            second, {L"具体构件", L"1", L"＝", L"", L"", L"立管", L"", L""}));
         ASSERT_TRUE(presenter.Save());
     }
     const QString shadowed = ToQString(L"给排水\\管道\\排水管") + QStringLiteral("|#2（配置 3）|") +
@@ -141,9 +135,12 @@ TEST(SideWindows, TrialHighlightsTheConfigurationTheTypedValuesReceiveAndShowsIt
         std::vector<ConfigNode*> configs;
         const CPath steel = NewConfig(presenter, Category(1, 101));
         const CPath plastic = NewConfig(presenter, Category(1, 101));
-        AddCondition(presenter, steel, {L"材质", L"1", L"＝", L"", L"", L"镀锌钢管", L"", L""});
-        AddCondition(presenter, steel, {L"管径(mm)", L"0", L"", L"＞", L"≤", L"", L"50", L"100"});
-        AddCondition(presenter, plastic, {L"材质", L"1", L"＝", L"", L"", L"PP-R管", L"", L""});
+        ASSERT_TRUE(
+            presenter.AddCondition(steel, {L"材质", L"1", L"＝", L"", L"", L"镀锌钢管", L"", L""}));
+        ASSERT_TRUE(presenter.AddCondition(
+            steel, {L"管径(mm)", L"0", L"", L"＞", L"≤", L"", L"50", L"100"}));
+        ASSERT_TRUE(
+            presenter.AddCondition(plastic, {L"材质", L"1", L"＝", L"", L"", L"PP-R管", L"", L""}));
         ASSERT_TRUE(presenter.AddQd(Bill(L"A", L"甲", L"m", kBillLib), steel, configs));
         CPath bill = steel;
         bill.QdId = 1;
