@@ -28,16 +28,12 @@ TEST_F(Cli, ExitStatusesAndMessages) {
     EXPECT_TRUE(Has(category.err, "unknown category"));
     EXPECT_FALSE(std::filesystem::exists(Config())) << "a refused command leaves no new file";
     EXPECT_EQ(Run({"show", "电气\\配电箱柜\\配电箱柜"}).status, 2) << "another specialty";
-    EXPECT_EQ(Run({"show", "管道\\给水管"}).status, 0) << "the specialty may be left out";
     EXPECT_EQ(Run({"--", "show", "--", "管道\\给水管"}).status, 0) << "\"--\" ends the options";
 
-    // Only files of the configuration folder become current.
-    const std::string folder = Path("pack/profile/自动套配置/");
-    Result missing = Run({"open", folder + "missing.xml"});
-    EXPECT_EQ(missing.status, 1);
-    EXPECT_TRUE(Has(missing.err, "Quorvel: 文件不存在，请重新选择调用文件!"));
-
-    std::string junk = folder + "junk.xml";
+    // The refresh reads the current configuration as the workbench does; only a file that
+    // loads becomes current.
+    std::string junk = Path("pack/profile/自动套配置/junk.xml");
+    std::filesystem::create_directories(Path("pack/profile/自动套配置"));
     std::filesystem::copy_file(Path("pack/catalog.xml"), junk);
     Result refresh = Run({"refresh", junk});
     EXPECT_EQ(refresh.status, 1);
@@ -48,43 +44,8 @@ TEST_F(Cli, ExitStatusesAndMessages) {
     EXPECT_TRUE(Has(noPack.err, "data pack"));
 }
 
-TEST_F(Cli, EditsAreSavedUnlessDryRunAndRefusalsChangeNothing) {
-    Result add = Run({"config", "add", kPipeArg});
-    ASSERT_EQ(add.status, 0) << add.err;
-    EXPECT_EQ(add.out, "2\n");
-    std::string saved = Bytes(Config());
-    EXPECT_TRUE(Has(saved, "LastConfigId=\"2\""));
-
-    Result dry = Run({"--dry-run", "config", "add", kPipeArg});
-    EXPECT_EQ(dry.status, 0);
-    EXPECT_TRUE(Has(dry.out, "3\n(dry run: nothing saved)"));
-    EXPECT_TRUE(Has(dry.out, "config 3"));
-    EXPECT_EQ(Bytes(Config()), saved);
-
-    // Refused input: exit 2, file untouched.
-    for (const std::vector<std::string>& bad :
-         {std::vector<std::string>{"config", "up", kPipeArg, "x"},
-          {"config", "delete", kPipeArg, "1"},
-          {"config", "copy", kPipeArg, "9"},
-          {"condition", "add", kPipeArg, "2", "--attr", "材质", "--eq", "a", "--gt", "1"},
-          {"condition", "add", kPipeArg, "2", "--eq", "a"},
-          {"condition", "add", kPipeArg, "2", "--strings", "a", "1", "＝"},
-          {"condition", "delete", kPipeArg, "2", "5"},
-          {"qd", "add", kPipeArg, "2", "--name", "无编号"},
-          {"de", "add", kPipeArg, "2", "--qd", "4", "--number", "1"}}) {
-        Result r = Run(bad);
-        EXPECT_EQ(r.status, 2) << bad[0] << " " << bad[1] << ": " << r.err;
-        EXPECT_FALSE(r.err.empty());
-        EXPECT_EQ(Bytes(Config()), saved);
-    }
-    // An operation that answers false: exit 1, file untouched.
-    Result up = Run({"config", "up", kPipeArg, "2"});
-    EXPECT_EQ(up.status, 1);
-    EXPECT_EQ(Bytes(Config()), saved);
-}
-
 TEST_F(Cli, ConditionsBillsAndQuotasEndToEnd) {
-    ASSERT_EQ(Run({"config", "add", kPipeArg}).status, 0);
+    ASSERT_EQ(Run({"config", "add", kPipeArg}).out, "2\n");
     EXPECT_EQ(Run({"condition", "add", kPipeArg, "2", "--attr", "材质", "--eq", "镀锌钢管"}).out,
               "1\n");
     EXPECT_EQ(
@@ -144,10 +105,6 @@ TEST_F(Cli, HeadedFilesCanBeReadAndStripped) {
 
     const std::string folder = Path("pack/profile/自动套配置/");
     std::filesystem::create_directories(folder);
-    std::filesystem::copy_file(Config(), folder + "headed.xml");
-    Result refresh = Run({"refresh", folder + "headed.xml"});
-    EXPECT_EQ(refresh.status, 1);
-    EXPECT_TRUE(Has(refresh.out, "文件功能不匹配"));
     EXPECT_EQ(Run({"--force", "head", "write", Config()}).status, 1) << "a headed file has no root";
     EXPECT_EQ(Bytes(Config()), headed);
 
@@ -273,16 +230,10 @@ TEST_F(Cli, LibrariesAreSearchedAndTheirItemsAppliedWithTheDialogsNumbering) {
         << listed.out;
 }
 
-TEST_F(Cli, ARecordedNameThatIsNoFileNameIsNotFollowedAndALongOneNotRecorded) {
+TEST_F(Cli, ARecordedNameThatIsNoFileNameIsNotFollowed) {
     dir.Write(L"pack/project/SysRegedit.ini", "[QdDeConfigInfo]\r\nConfigName=../../escape\r\n");
     Result current = Run({"--config-dir", Path("cfg"), "current"}, false);
     EXPECT_EQ(current.status, 0);
     EXPECT_TRUE(Has(current.out, "/cfg/自动套配置/DefaultConfig.xml")) << current.out;
     EXPECT_TRUE(Has(current.err, "\"../../escape\"")) << current.err;
-    EXPECT_FALSE(std::filesystem::exists(Path("escape.xml")));
-
-    Result longName =
-        Run({"--config-dir", Path("cfg"), "new", Path(std::string(120, 'x') + ".xml")}, false);
-    EXPECT_EQ(longName.status, 2);
-    EXPECT_TRUE(Has(longName.err, "at most 99 characters")) << longName.err;
 }
