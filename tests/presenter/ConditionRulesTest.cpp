@@ -15,8 +15,8 @@ TEST(ConditionRules, RangesAreAsWideAsTheirDifferenceComputedInDoubles) {
          {Case{L"10", L"10", RangeFault::kTooNarrow}, Case{L"20", L"10", RangeFault::kSwapped},
           Case{L"1", L"1.01", RangeFault::kNone}, // 0.010000000000000009
           Case{L"0.1", L"0.11", RangeFault::kTooNarrow},
-          Case{L"10", L"10.01", RangeFault::kTooNarrow},
-          Case{L"abc", L"5", RangeFault::kNone}, // read as 0, as the editor does
+          Case{L"0", L"0.01", RangeFault::kNone}, // exactly 0.01 is wide enough
+          Case{L"abc", L"5", RangeFault::kNone},  // read as 0, as the editor does
           Case{L"", L"x", RangeFault::kNone}, Case{L"", L"", RangeFault::kNoBound}})
         EXPECT_EQ(CheckRangeWidth(c.lower, c.upper), c.fault)
             << ToUtf8(CString(c.lower)) << " .. " << ToUtf8(CString(c.upper));
