@@ -147,7 +147,7 @@ TEST(PresenterFiles, RefreshReportsMismatchOnly) {
     EXPECT_EQ(host.messages.Texts(), std::vector<CString>{L"文件不存在，请重新选择调用文件!"});
 }
 
-TEST(PresenterEdits, ConditionArraysAreCheckedAndParsed) {
+TEST(PresenterEdits, ConditionArraysAreCheckedAndParsedAndBillNumbersListed) {
     TestHost host;
     Catalog(host);
     CQdDeConfigPresenter presenter(host.dir.File(L"c.xml"));
@@ -183,59 +183,15 @@ TEST(PresenterEdits, ConditionArraysAreCheckedAndParsed) {
     path.ConditionId = 1;
     EXPECT_TRUE(presenter.DelCondition(path, configs));
     EXPECT_EQ(presenter.GetConfig(path)->GetCondition().size(), 1u);
-}
 
-TEST(PresenterEdits, ItemsThroughPathsAndTheListsTheyReturn) {
-    TestHost host;
-    Catalog(host);
-    CQdDeConfigPresenter presenter(host.dir.File(L"i.xml"));
-    int id = 0;
-    presenter.AddConfig(Config(CPath::kNone), id);
-    CPath path = Config(id);
-    std::vector<ConfigNode*> configs;
+    // The bill numbers in use, as the numbering dialog counts them: each item once.
     QdStruct qd;
     qd.strQdId = L"031001001001";
     ASSERT_TRUE(presenter.AddQd(qd, path, configs));
-    ASSERT_EQ(configs.size(), 2u);
-    EXPECT_EQ(configs[0]->GetQd().size(), 1u) << "the list shows the new bill item";
-    presenter.AddQd(qd, path, configs);
-
-    DeStruct de;
-    de.strDeId = L"10-1";
-    path.QdId = 1;
-    ASSERT_TRUE(presenter.AddDe2QdNode(de, path, configs));
-    ASSERT_TRUE(presenter.AddDe2QdNode(de, path, configs));
-    path.QdId = 2;
-    ASSERT_TRUE(presenter.AddDe2QdNode(de, path, configs));
-    path.QdId = 9;
-    EXPECT_FALSE(presenter.AddDe2QdNode(de, path, configs));
-    ASSERT_TRUE(presenter.AddDe2ConfigNode(de, path, configs));
-
+    ASSERT_TRUE(presenter.AddQd(qd, path, configs));
     std::vector<CString> numbers;
     ASSERT_TRUE(presenter.GetExistQdIndex(path, numbers));
     EXPECT_EQ(numbers, (std::vector<CString>{L"031001001001", L"031001001001"}));
-
-    // Entries for bills that don't exist are skipped; the others still run.
-    EXPECT_TRUE(presenter.DelDeInQdNode(path, {{0, {1}}, {1, {1}}, {7, {1}}, {2, {5}}}));
-    ConfigNode* config = presenter.GetConfig(path);
-    EXPECT_EQ(config->GetQd(1)->GetDe().size(), 1u);
-    EXPECT_EQ(config->GetQd(2)->GetDe().size(), 1u);
-
-    de.strDeId = L"10-9";
-    path.DeId = 2;
-    path.QdId = 1;
-    EXPECT_TRUE(presenter.ResetDeToQd(path, de));
-    EXPECT_EQ(config->GetQd(1)->GetDe(2)->m_de.strDeId, L"10-9");
-    path.DeId = 1;
-    EXPECT_TRUE(presenter.ResetDeToConfig(path, de));
-    EXPECT_EQ(config->GetDe(1)->m_de.strDeId, L"10-9");
-    EXPECT_TRUE(presenter.DelDeInConfigNode(path, {1}));
-    EXPECT_TRUE(config->GetDe().empty());
-    qd.strName = L"新名称";
-    EXPECT_TRUE(presenter.ResetQd(path, qd));
-    EXPECT_EQ(config->GetQd(1)->m_qd.strName, L"新名称");
-    EXPECT_TRUE(presenter.DelQd(path, {1, 2}));
-    EXPECT_TRUE(config->GetQd().empty());
 }
 
 TEST(PresenterEdits, PathsOfAnotherSpecialtyChangeNothing) {
