@@ -10,11 +10,6 @@
 
 namespace {
 
-void Catalog(TestHost& host) {
-    host.Add(L"给排水", L"管道", L"给水管", 1, 101);
-    host.Add(L"给排水", L"管道", L"排水管", 1, 102);
-}
-
 CPath Config(int configId) {
     CPath path;
     path.SpecId = 2;
@@ -31,11 +26,20 @@ CStringArray ValueCondition(const CString& flag) {
 const char* const kValidFile = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>"
                                "<自动套清单定额配置信息 Version=\"1.0.0\"/>";
 
+// A host whose current specialty has one large category of two small ones.
+class PresenterFiles : public ::testing::Test {
+protected:
+    PresenterFiles() {
+        host.Add(L"给排水", L"管道", L"给水管", 1, 101);
+        host.Add(L"给排水", L"管道", L"排水管", 1, 102);
+    }
+    TestHost host;
+};
+using PresenterEdits = PresenterFiles;
+
 } // namespace
 
-TEST(PresenterFiles, EmptyArgumentOpensTheRecordedConfigurationInTheFolder) {
-    TestHost host;
-    Catalog(host);
+TEST_F(PresenterFiles, EmptyArgumentOpensTheRecordedConfigurationInTheFolder) {
     {
         CQdDeConfigPresenter presenter;
         EXPECT_EQ(presenter.GetCurConfig(), L"DefaultConfig");
@@ -63,9 +67,7 @@ TEST(PresenterFiles, EmptyArgumentOpensTheRecordedConfigurationInTheFolder) {
     EXPECT_TRUE(PathExists(expected));
 }
 
-TEST(PresenterFiles, RecordedNamesWithoutExtensionOrTooLong) {
-    TestHost host;
-    Catalog(host);
+TEST_F(PresenterFiles, RecordedNamesWithoutExtensionOrTooLong) {
     CQdDeConfigPresenter presenter(host.dir.File(L"start.xml"));
     EXPECT_EQ(presenter.GetData()->GetFilePath(), host.dir.File(L"start.xml"));
     ASSERT_TRUE(PathExists(host.dir.File(L"start.xml")));
@@ -102,15 +104,13 @@ TEST(PresenterFiles, RecordedNamesWithoutExtensionOrTooLong) {
     EXPECT_FALSE(PathExists(host.dir.File(L"escape.xml")));
 }
 
-TEST(PresenterFiles, ProjectPathWithoutSeparatorRecordsAtTheRoot) {
+TEST_F(PresenterFiles, ProjectPathWithoutSeparatorRecordsAtTheRoot) {
     // The folder of "test.kprj" is empty, so the record is "/SysRegedit.ini".
     const CString rootIni = L"/SysRegedit.ini";
     if (access("/", W_OK) != 0)
         GTEST_SKIP() << "the file system root is not writable here";
     if (PathExists(rootIni))
         GTEST_SKIP() << "a record at the root already exists; not touching it";
-    TestHost host;
-    Catalog(host);
     host.data.project.path = L"test.kprj";
     {
         CQdDeConfigPresenter presenter(host.dir.File(L"start.xml"));
@@ -123,9 +123,7 @@ TEST(PresenterFiles, ProjectPathWithoutSeparatorRecordsAtTheRoot) {
     EXPECT_EQ(stored, L"solo.cfg");
 }
 
-TEST(PresenterFiles, RefreshReportsMismatchOnly) {
-    TestHost host;
-    Catalog(host);
+TEST_F(PresenterFiles, RefreshReportsMismatchOnly) {
     CString good = host.dir.Write(L"good.xml", kValidFile);
     CString error = L"untouched";
     EXPECT_TRUE(RefreshAutoConfig(error, good));
@@ -147,9 +145,7 @@ TEST(PresenterFiles, RefreshReportsMismatchOnly) {
     EXPECT_EQ(host.messages.Texts(), std::vector<CString>{L"文件不存在，请重新选择调用文件!"});
 }
 
-TEST(PresenterEdits, ConditionArraysAreCheckedAndParsedAndBillNumbersListed) {
-    TestHost host;
-    Catalog(host);
+TEST_F(PresenterEdits, ConditionArraysAreCheckedAndParsedAndBillNumbersListed) {
     CQdDeConfigPresenter presenter(host.dir.File(L"c.xml"));
     int id = 0;
     ASSERT_TRUE(presenter.AddConfig(Config(CPath::kNone), id));
@@ -194,9 +190,7 @@ TEST(PresenterEdits, ConditionArraysAreCheckedAndParsedAndBillNumbersListed) {
     EXPECT_EQ(numbers, (std::vector<CString>{L"031001001001", L"031001001001"}));
 }
 
-TEST(PresenterEdits, PathsOfAnotherSpecialtyChangeNothing) {
-    TestHost host;
-    Catalog(host);
+TEST_F(PresenterEdits, PathsOfAnotherSpecialtyChangeNothing) {
     host.Add(L"电气", L"管道", L"给水管", 1, 101);
     const CString file = host.dir.File(L"o.xml");
     CQdDeConfigPresenter presenter(file);
