@@ -2,9 +2,9 @@
 // The demo dialog of the control tests (template IDD_UI_DEMO): every control bound to a
 // member, every command and notice written to a log with what the handler could see then.
 
+#include "support/ui/DialogProbe.h"
 #include "ui/CGridCtrl.h"
 #include "ui/Controls.h"
-#include "ui/ModalHook.h"
 
 #include <functional>
 #include <string>
@@ -18,7 +18,6 @@ public:
 
     std::vector<std::string> log;
     CString name;
-    int number = 0;
     int initCalls = 0;
     bool initSawBoundControls = false;
     bool cancelled = false;
@@ -115,15 +114,5 @@ private:
         return item ? ToUtf8(tree.GetItemText(item)) : std::string("-");
     }
 };
-
-// Runs body inside DoModal of the dialog, as the user of a modal dialog would act; returns
-// DoModal's result, which is the dialog's end result (-1 if nothing ended it).
-inline int RunDialog(CDialog& dialog, const std::function<void(CDialog&)>& body) {
-    koqdde::ui::ModalHookScope hook([&](CDialog& dlg) {
-        body(dlg);
-        return dlg.GetEndResult();
-    });
-    return dialog.DoModal();
-}
 
 } // namespace koqdde::test

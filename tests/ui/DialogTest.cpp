@@ -3,12 +3,9 @@
 
 #include "DemoDialog.h"
 
-#include "support/ui/DialogProbe.h"
-#include "support/ui/QtTestApp.h"
-#include "ui/QtString.h"
+#include "ui/ModalHook.h"
 
 #include <QApplication>
-#include <QDialog>
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QGuiApplication>
@@ -26,7 +23,7 @@
 #include <stdexcept>
 
 using koqdde::test::DemoDialog;
-using koqdde::test::RunDialog;
+using koqdde::test::RunModal;
 using namespace koqdde::ui;
 
 TEST(UiTemplate, ParsesTheLineFormatAndReportsTheFaultyLine) {
@@ -98,7 +95,7 @@ TEST(UiTemplate, DialogUnitsBecomePixelsByTheFontsAverageCharacter) {
     EXPECT_LE(own.ToPixelsY(workbench->cy) + 30, 728);
 
     DemoDialog dlg;
-    RunDialog(dlg, [&](CDialog& d) {
+    RunModal(dlg, [&](CDialog& d) {
         EXPECT_EQ(d.GetBaseUnits().baseX, units.baseX);
         auto x = [&](double du) { return static_cast<int>(std::lround(du * units.baseX / 4)); };
         auto y = [&](double du) { return static_cast<int>(std::lround(du * units.baseY / 8)); };
@@ -138,7 +135,7 @@ TEST(UiTemplate, StyleFlagsLimitTypingAndKeepTheSelectionShown) {
 TEST(UiDialog, InitBindsControlsAndOkSavesTheData) {
     DemoDialog dlg;
     dlg.name = L"起始";
-    const int result = RunDialog(dlg, [&](CDialog& d) {
+    const int result = RunModal(dlg, [&](CDialog& d) {
         EXPECT_EQ(dlg.initCalls, 1);
         EXPECT_TRUE(dlg.initSawBoundControls);
         EXPECT_EQ(dlg.edit.GetWindowText(), CString(L"起始")); // UpdateData(FALSE)
@@ -177,11 +174,11 @@ TEST(UiDialog, EscapeCancelAndTheCloseBoxReachOnCancel) {
     for (const auto& way : ways) {
         DemoDialog dlg;
         dlg.name = L"kept";
-        EXPECT_EQ(RunDialog(dlg,
-                            [&](CDialog& d) {
-                                dlg.edit.UserType(L"dropped");
-                                way(d);
-                            }),
+        EXPECT_EQ(RunModal(dlg,
+                           [&](CDialog& d) {
+                               dlg.edit.UserType(L"dropped");
+                               way(d);
+                           }),
                   IDCANCEL);
         EXPECT_TRUE(dlg.cancelled);
         EXPECT_EQ(dlg.name, CString(L"kept"));
@@ -189,7 +186,7 @@ TEST(UiDialog, EscapeCancelAndTheCloseBoxReachOnCancel) {
     }
     // Nothing ends it: the hook's answer is the result.
     DemoDialog open;
-    EXPECT_EQ(RunDialog(open, [](CDialog&) {}), -1);
+    EXPECT_EQ(RunModal(open, [](CDialog&) {}), -1);
     EXPECT_FALSE(open.cancelled);
     CDialog missing(CString(L"IDD_NOT_THERE"));
     EXPECT_EQ(missing.DoModal(), -1);
@@ -266,7 +263,7 @@ TEST(UiDialog, PrivateMessagesAndCenteringGoThroughTheWindow) {
         }
     };
     MessageDialog dlg;
-    RunDialog(dlg, [&](CDialog& d) {
+    RunModal(dlg, [&](CDialog& d) {
         EXPECT_EQ(d.SendMessage(WM_USER + 80, 3, 4), 7);
         ASSERT_EQ(dlg.received.size(), 1u);
         EXPECT_EQ(dlg.received[0].second, 4);
@@ -286,8 +283,8 @@ TEST(UiDialog, PrivateMessagesAndCenteringGoThroughTheWindow) {
 TEST(UiDialog, AnExceptionOfAHandlerInARealModalLoopEndsTheLoopAndLeavesDoModal) {
     // A real loop, no hook: the user's click arrives from Qt's event dispatch, which an
     // exception must not cross. The outer dialog's click opens the inner one.
-    koqdde::test::DemoDialog outer;
-    koqdde::test::DemoDialog inner;
+    DemoDialog outer;
+    DemoDialog inner;
     inner.onCommand = [](UINT id, UINT) {
         if (id == 1000)
             throw std::runtime_error("handler failed");
@@ -297,8 +294,8 @@ TEST(UiDialog, AnExceptionOfAHandlerInARealModalLoopEndsTheLoopAndLeavesDoModal)
             inner.DoModal();
     };
     // Each loop clicks its own button once it runs.
-    auto clickWhenShown = [](koqdde::test::DemoDialog& dialog) {
-        QTimer::singleShot(0, [&dialog] { koqdde::ui::ClickDlgItem(dialog, 1000); });
+    auto clickWhenShown = [](DemoDialog& dialog) {
+        QTimer::singleShot(0, [&dialog] { ClickDlgItem(dialog, 1000); });
     };
     outer.onInit = [&] { clickWhenShown(outer); };
     inner.onInit = [&] { clickWhenShown(inner); };

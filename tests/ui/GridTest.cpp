@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 using koqdde::test::DemoDialog;
-using koqdde::test::RunDialog;
+using koqdde::test::RunModal;
 using Log = std::vector<std::string>;
 
 namespace {
@@ -51,7 +51,7 @@ protected:
 
 TEST(UiGrid, MadeOverThePlaceholderWithRowsOfCells) {
     GridDialog dlg;
-    RunDialog(dlg, [&](CDialog&) {
+    RunModal(dlg, [&](CDialog&) {
         CRect rc;
         dlg.grid.GetWindowRect(&rc);
         dlg.ScreenToClient(&rc);
@@ -86,7 +86,7 @@ TEST(UiGrid, MadeOverThePlaceholderWithRowsOfCells) {
 
 TEST(UiGrid, HeadClicksSelectTheirLineOnlyWhenAllowed) {
     GridDialog dlg;
-    RunDialog(dlg, [&](CDialog&) {
+    RunModal(dlg, [&](CDialog&) {
         CQvGridCtrl& grid = dlg.grid;
         for (int row = 1; row <= 3; ++row)
             grid.InsertOneprop(row, CStringArray{L"A", L"名称", L"m", L"", L"否"});
@@ -114,11 +114,13 @@ TEST(UiGrid, HeadClicksSelectTheirLineOnlyWhenAllowed) {
     });
 }
 
-TEST(UiGrid, UserEditsTellTheParentWhatChanged) {
+TEST(UiGrid, UserEditsTellTheParentWhatChangedAndEnterWalksOn) {
     GridDialog dlg;
-    RunDialog(dlg, [&](CDialog&) {
+    RunModal(dlg, [&](CDialog&) {
         dlg.grid.InsertOneprop(1, CStringArray{L"A1", L"名称", L"m", L"", L"否"});
+        dlg.grid.InsertOneprop(2, CStringArray{L"A2", L"n2", L"m", L"", L""});
         dlg.grid.SetItemState(1, 1, GVIS_READONLY);
+        dlg.grid.SetItemState(2, 1, GVIS_READONLY);
 
         dlg.grid.UserClickCell(1, 4);
         EXPECT_EQ(dlg.log, (Log{"N50002:-2 r=1 c=4 t="}));
@@ -157,23 +159,9 @@ TEST(UiGrid, UserEditsTellTheParentWhatChanged) {
         EXPECT_EQ(dlg.grid.GetItemText(1, 2), CString(L"m!"));
         dlg.onNotify = nullptr;
 
-        dlg.grid.SetEditable(FALSE);
-        EXPECT_FALSE(dlg.grid.UserEditCell(1, 2, L"locked"));
-        EXPECT_EQ(dlg.grid.GetItemText(1, 2), CString(L"m!"));
-    });
-}
-
-TEST(UiGrid, EnterEndsTheEditAndWalksOnOnlyWhenAsked) {
-    GridDialog dlg;
-    RunDialog(dlg, [&](CDialog&) {
-        dlg.grid.InsertOneprop(1, CStringArray{L"A1", L"n1", L"m", L"", L""});
-        dlg.grid.InsertOneprop(2, CStringArray{L"A2", L"n2", L"m", L"", L""});
-        dlg.grid.SetItemState(2, 1, GVIS_READONLY);
-
-        ASSERT_TRUE(dlg.grid.GetAutoEnterNext());
+        // Enter walks on past read-only cells, unless told not to.
         EXPECT_TRUE(dlg.grid.UserEditCell(1, 5, L"x"));
-        EXPECT_EQ(dlg.grid.GetFocusCell(), CCellID(2, 2)); // the read-only cell is skipped
-
+        EXPECT_EQ(dlg.grid.GetFocusCell(), CCellID(2, 2));
         dlg.grid.SetAutoEnterNext(false);
         EXPECT_TRUE(dlg.grid.UserEditCell(1, 2, L"y"));
         EXPECT_EQ(dlg.grid.GetFocusCell(), CCellID(1, 2));
@@ -186,5 +174,9 @@ TEST(UiGrid, EnterEndsTheEditAndWalksOnOnlyWhenAsked) {
         dlg.grid.SetFocus();
         EXPECT_FALSE(dlg.grid.IsEditing());
         EXPECT_EQ(dlg.log, (Log{"N50002:-176 r=2 c=2 t=n2"}));
+
+        dlg.grid.SetEditable(FALSE);
+        EXPECT_FALSE(dlg.grid.UserEditCell(1, 2, L"locked"));
+        EXPECT_EQ(dlg.grid.GetItemText(1, 2), CString(L"y"));
     });
 }
