@@ -58,7 +58,7 @@ TEST(SMemberRead, CounterComesFromTheIdsReadAndALostDefaultIsAddedWithIdOne) {
     EXPECT_EQ(Ids(small), (std::vector<int>{2, 3, 1}));
 }
 
-TEST(SMemberList, AddAndCopyGoInFrontOfTheLastEntry) {
+TEST(SMemberList, NewEntriesGoInFrontOfTheLastWhichMovesNeverReachAndDeletesKeepTheCounter) {
     XmlSnippet xml("<SMember name='a'/>");
     SMember small;
     small.ReadData(xml.Root());
@@ -82,53 +82,35 @@ TEST(SMemberList, AddAndCopyGoInFrontOfTheLastEntry) {
     EXPECT_EQ(Ids(small), (std::vector<int>{2, 3, 4, 1}));
     EXPECT_EQ(small.GetConfig(4)->GetQd().size(), 1u);
     EXPECT_EQ(small.GetConfig(4)->GetParent(), &small);
-
     // Copying the default gives a second default: guarding that is the dialogs' business.
     small.AddConfigByCopy(1, copyId);
     EXPECT_TRUE(small.GetConfig(5)->IfDefault());
-}
 
-TEST(SMemberList, MovesNeverReachTheLastEntry) {
-    XmlSnippet xml("<SMember name='a'/>");
-    SMember small;
-    small.ReadData(xml.Root());
-    int id = 0;
-    small.AddConfig(CPath(), id); // 2
-    small.AddConfig(CPath(), id); // 3
-    ASSERT_EQ(Ids(small), (std::vector<int>{2, 3, 1}));
     EXPECT_FALSE(small.MoveUpConfig(ConfigPath(2)));
-    EXPECT_FALSE(small.MoveDownConfig(ConfigPath(3)));
+    EXPECT_FALSE(small.MoveDownConfig(ConfigPath(5)));
     for (int refused : {1, 9}) {
         EXPECT_FALSE(small.MoveUpConfig(ConfigPath(refused)));
         EXPECT_FALSE(small.MoveDownConfig(ConfigPath(refused)));
     }
     EXPECT_TRUE(small.MoveDownConfig(ConfigPath(2)));
-    EXPECT_EQ(Ids(small), (std::vector<int>{3, 2, 1}));
+    EXPECT_EQ(Ids(small), (std::vector<int>{3, 2, 4, 5, 1}));
     EXPECT_TRUE(small.MoveUpConfig(ConfigPath(2)));
-    EXPECT_EQ(Ids(small), (std::vector<int>{2, 3, 1}));
-}
+    EXPECT_EQ(Ids(small), (std::vector<int>{2, 3, 4, 5, 1}));
 
-TEST(SMemberList, DeleteKeepsTheCounter) {
-    XmlSnippet xml("<SMember name='a'/>");
-    SMember small;
-    small.ReadData(xml.Root());
-    int id = 0;
-    small.AddConfig(CPath(), id);
-    small.AddConfig(CPath(), id);
-    small.GetConfig(2)->AddCondition(
+    small.GetConfig(3)->AddCondition(
         ConditionNode(L"材质", true, L"＝", L"", L"", L"铜", L"", L""));
     EXPECT_TRUE(small.DelConfig(99));
-    EXPECT_TRUE(small.DelConfig(3));
-    EXPECT_TRUE(small.DelConfig(2));
+    for (int deleted : {3, 2, 4, 5})
+        EXPECT_TRUE(small.DelConfig(deleted));
     EXPECT_EQ(Ids(small), std::vector<int>{1});
     small.AddConfig(CPath(), id);
-    EXPECT_EQ(id, 4);
+    EXPECT_EQ(id, 6);
     // The default configuration can be deleted too; the list may then be empty.
     EXPECT_TRUE(small.DelConfig(1));
-    EXPECT_TRUE(small.DelConfig(4));
+    EXPECT_TRUE(small.DelConfig(6));
     EXPECT_TRUE(small.GetAllConfig().empty());
     small.AddConfig(CPath(), id);
-    EXPECT_EQ(Ids(small), std::vector<int>{5});
+    EXPECT_EQ(Ids(small), std::vector<int>{7});
 }
 
 TEST(SMemberWrite, WritesCounterAndConfigurations) {
@@ -136,10 +118,15 @@ TEST(SMemberWrite, WritesCounterAndConfigurations) {
     SMember small;
     small.SetId(20101);
     small.ReadData(xml.Root());
+    int id = 0;
+    small.AddConfig(CPath(), id);
     XmlNode out = xml.NewElement("SMember");
     small.WriteData(out);
+    // Every configuration writes its values and all three lists, empty or not.
     EXPECT_EQ(xml.Serialised(out),
-              "<SMember id=\"20101\" name=\"给水管\" LastConfigId=\"1\"><Config>"
+              "<SMember id=\"20101\" name=\"给水管\" LastConfigId=\"2\"><Config>"
+              "<Config id=\"2\" LastQdId=\"0\" LastConditionId=\"0\" bDefault=\"0\" "
+              "LastDeId=\"0\"><Condition/><Qd/><De/></Config>"
               "<Config id=\"1\" LastQdId=\"0\" LastConditionId=\"0\" bDefault=\"1\" "
               "LastDeId=\"0\"><Condition/><Qd/><De/></Config></Config></SMember>");
 }
