@@ -145,8 +145,20 @@ TEST_F(Refusals, ConditionsThatCanNeverMatch) {
     ExpectRefused({
         {with({"--attr", "材质", "--eq", "镀锌钢"}), 2, "takes no typed value"},
         {with({"--attr", "材质", "--ge", "1"}), 2, "不可比较"},
+        {{"attr", "set", kPipeArg, "材质", "--vartype", "7"}, 2, "--vartype must be 0 to 2"},
     });
     EXPECT_EQ(Run(with({"--attr", "材质", "--eq", "镀锌钢管"})).status, 0);
+
+    // Settings the commands can't use stop those that read them, naming the file and the
+    // fault; the generator leaves them for the user to mend, and other commands go on.
+    text.erase(text.find("</属性类型配置信息>"));
+    dir.Write(FromUtf8(settings), text);
+    const std::string cannot = " the attribute settings: " + Path(settings) + ": ";
+    ExpectRefused({
+        {{"attr", "get", kPipeArg, "材质"}, 2, "koqdde: cannot use" + cannot},
+        {{"attr", "generate"}, 2, "koqdde: cannot generate" + cannot},
+    });
+    EXPECT_EQ(Run({"show", kPipeArg}).status, 0);
 }
 
 TEST_F(Refusals, ItemsThatWouldNotShowOrNotParseAndEditsThatChangeNothing) {
