@@ -7,6 +7,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <string>
 #include <sys/wait.h>
 #include <vector>
@@ -24,6 +26,13 @@ inline std::string Quote(const std::string& arg) {
     return q + "'";
 }
 
+// A command the tool refuses: its exit status and what it says on either output.
+struct Refused {
+    std::vector<std::string> args;
+    int status;
+    std::string says;
+};
+
 // A small category of the bundled pack, as the tool takes it.
 inline const std::string kPipeArg = "给排水\\管道\\给水管";
 
@@ -36,6 +45,7 @@ protected:
 
     std::string Path(const std::string& name) const { return ToUtf8(dir.File(FromUtf8(name))); }
     std::string Config() const { return Path("cfg.xml"); }
+    std::string Folder() const { return Path("pack/profile/自动套配置/"); }
     std::string Bytes(const std::string& file) const { return dir.Read(FromUtf8(file)); }
 
     // Runs the tool with the pack and the configuration file of this test.
@@ -64,6 +74,33 @@ protected:
         for (const auto& args : commands) {
             Result r = Run(args);
             ASSERT_EQ(r.status, 0) << args[0] << " " << args[1] << ": " << r.err;
+        }
+    }
+
+    // A checksum of every file of the test but the tool's outputs and the edits' lock files.
+    std::map<std::string, size_t> Files() const {
+        std::map<std::string, size_t> files;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(Path(""))) {
+            const std::string name = entry.path().filename().string();
+            if (!entry.is_regular_file() || name == "out.txt" || name == "err.txt" ||
+                (name.starts_with(".") && name.ends_with(".lock")))
+                continue;
+            files[entry.path().string()] = std::hash<std::string>()(Bytes(entry.path().string()));
+        }
+        return files;
+    }
+
+    // Runs each command, which is to end with its status, say its text and change no file.
+    void ExpectRefused(const std::vector<Refused>& lines) const {
+        for (const Refused& line : lines) {
+            const auto before = Files();
+            std::string shown;
+            for (const std::string& arg : line.args)
+                shown += arg + " ";
+            Result r = Run(line.args);
+            EXPECT_EQ(r.status, line.status) << shown << "\n" << r.err;
+            EXPECT_TRUE(Has(r.out + r.err, line.says)) << shown << "\n" << r.out << r.err;
+            EXPECT_EQ(Files(), before) << shown;
         }
     }
 

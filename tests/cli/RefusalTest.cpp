@@ -1,49 +1,7 @@
 // What the tool refuses, and that a refusal or a dry run leaves every file as it was.
 #include "CliFixture.h"
 
-#include <functional>
-#include <map>
-
-namespace {
-
-struct Refused {
-    std::vector<std::string> args;
-    int status;
-    std::string says; // in the output or the error
-};
-
-class Refusals : public Cli {
-protected:
-    std::string Folder() const { return Path("pack/profile/自动套配置/"); }
-
-    // A checksum of every file of the test but the tool's outputs and the edits' lock files.
-    std::map<std::string, size_t> Files() const {
-        std::map<std::string, size_t> files;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(Path(""))) {
-            const std::string name = entry.path().filename().string();
-            if (!entry.is_regular_file() || name == "out.txt" || name == "err.txt" ||
-                (name.starts_with(".") && name.ends_with(".lock")))
-                continue;
-            files[entry.path().string()] = std::hash<std::string>()(Bytes(entry.path().string()));
-        }
-        return files;
-    }
-
-    void ExpectRefused(const std::vector<Refused>& lines) {
-        for (const Refused& line : lines) {
-            const auto before = Files();
-            std::string shown;
-            for (const std::string& arg : line.args)
-                shown += arg + " ";
-            Result r = Run(line.args);
-            EXPECT_EQ(r.status, line.status) << shown << "\n" << r.err;
-            EXPECT_TRUE(Has(r.out + r.err, line.says)) << shown << "\n" << r.out << r.err;
-            EXPECT_EQ(Files(), before) << shown;
-        }
-    }
-};
-
-} // namespace
+using Refusals = Cli;
 
 TEST_F(Refusals, FileCommandsDoWhatTheySayOrChangeNothing) {
     ASSERT_EQ(Run({"config", "add", kPipeArg}).status, 0);
