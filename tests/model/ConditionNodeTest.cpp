@@ -75,7 +75,6 @@ TEST(ConditionNode, CopyLosesIdAssignKeepsItResetKeepsOwn) {
     ConditionNode copy(source);
     EXPECT_EQ(copy.GetId(), 0);
     EXPECT_EQ(copy.GetParent(), nullptr);
-    EXPECT_EQ(copy.GetValue(), L"铜");
 
     ConditionNode assigned;
     assigned = source;
