@@ -28,7 +28,7 @@ TEST(ConditionNode, DisplayTextOfEveryForm) {
     EXPECT_EQ(Range(L"＞", L" ", L"≤", L"").GetConditionString(), L"管径＞ ");
 }
 
-TEST(ConditionNode, ReadingTakesEqualOnlyFromExactTrue) {
+TEST(ConditionNode, ReadsEqualOnlyFromExactTrueAndWritesAllEightFieldsInOrder) {
     XmlSnippet xml("<list><condition/><condition id='4' bEqual='TRUE' strCFType='a'/>"
                    "<condition id='12abc' bEqual='true' strCFType='b' strEqualoperator='＝' "
                    "strValue='v'/></list>");
@@ -49,10 +49,7 @@ TEST(ConditionNode, ReadingTakesEqualOnlyFromExactTrue) {
     EXPECT_EQ(value.GetId(), 12);
     EXPECT_TRUE(value.IsEqual());
     EXPECT_EQ(value.GetConditionString(), L"b＝v");
-}
 
-TEST(ConditionNode, WritesAllEightFieldsInOrder) {
-    XmlSnippet xml("<x/>");
     ConditionNode c(L"管径", false, L"", L"＞", L"≤", L"", L"5", L"10");
     c.SetId(3);
     XmlNode out = xml.NewElement("condition");
