@@ -42,14 +42,13 @@ protected:
         grid.SetColumnCount(6);
         grid.SetFixedRowCount(1);
         grid.SetFixedColumnCount(1);
-        grid.SetTextBkColor(RGB(0xFF, 0xFF, 0xE0));
         return TRUE;
     }
 };
 
 } // namespace
 
-TEST(UiGrid, MadeOverThePlaceholderWithRowsOfCells) {
+TEST(UiGrid, MadeOverThePlaceholderWithRowsOfCellsAndHeadsThatSelectTheirLine) {
     GridDialog dlg;
     RunModal(dlg, [&](CDialog&) {
         CRect rc;
@@ -77,16 +76,9 @@ TEST(UiGrid, MadeOverThePlaceholderWithRowsOfCells) {
         EXPECT_TRUE(dlg.grid.DeleteRow(1));
         EXPECT_TRUE(dlg.grid.DeleteNonFixedRows());
         EXPECT_EQ(dlg.grid.GetRowCount(), 1);
-        EXPECT_TRUE(dlg.grid.DeleteAllItems());
-        EXPECT_EQ(dlg.grid.GetColumnCount(), 0);
-        EXPECT_EQ(dlg.grid.GetFixedRowCount(), 0);
         EXPECT_TRUE(dlg.log.empty()); // no program call tells the parent anything
-    });
-}
 
-TEST(UiGrid, HeadClicksSelectTheirLineOnlyWhenAllowed) {
-    GridDialog dlg;
-    RunModal(dlg, [&](CDialog&) {
+        // Head clicks select their line only when allowed.
         CQvGridCtrl& grid = dlg.grid;
         for (int row = 1; row <= 3; ++row)
             grid.InsertOneprop(row, CStringArray{L"A", L"名称", L"m", L"", L"否"});
@@ -111,6 +103,10 @@ TEST(UiGrid, HeadClicksSelectTheirLineOnlyWhenAllowed) {
         EXPECT_EQ(grid.GetSelectedCellRange(), CCellRange(1, 0, 1, 0));
         // The click itself is told as on any cell.
         EXPECT_EQ(dlg.log.back(), "N50002:-2 r=1 c=0 t=");
+
+        EXPECT_TRUE(grid.DeleteAllItems());
+        EXPECT_EQ(grid.GetColumnCount(), 0);
+        EXPECT_EQ(grid.GetFixedRowCount(), 0);
     });
 }
 
