@@ -27,9 +27,6 @@ TEST_F(Cli, ExitStatusesAndMessages) {
         {{"show", "电气\\配电箱柜\\配电箱柜"}, 2, "is not in the current specialty \"给排水\""},
         {{"--data", Path("nowhere"), "tree"}, 2, "cannot load the data pack"},
     });
-    Result showHelp = Run({"show", "--help"});
-    EXPECT_EQ(showHelp.status, 0);
-    EXPECT_TRUE(Has(showHelp.out, "Example"));
     EXPECT_EQ(Run({"--", "show", "--", "管道\\给水管"}).status, 0) << "\"--\" ends the options";
 
     // The refresh reads the current configuration as the workbench does; only a file that
