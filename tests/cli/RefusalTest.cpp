@@ -22,7 +22,6 @@ TEST_F(Refusals, FileCommandsDoWhatTheySayOrChangeNothing) {
         {{"new", outside}, 2, "make the new one there: koqdde new "},
         {{"new", inside}, 4, "Give --force to replace it"},
         {{"save-as", outside}, 4, "kept as " + outside + ".bak"},
-        {{"head", "write", Config()}, 4, "--force"},
         {{"head", "write", Config(), outside}, 4, "--force"},
         {{"head", "strip", headed, outside}, 4, "--force"},
         {{"import", outside, "--as", "a"}, 4, "--force"},
