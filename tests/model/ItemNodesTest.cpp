@@ -59,7 +59,7 @@ TEST(QdNode, WithoutQuotaListReadsEmptyAndWritesOne) {
               "<De/></qd>");
 }
 
-TEST(ConfigNode, CountersAreMendedByIdsButNotLowered) {
+TEST(ConfigNode, CountersAreMendedByIdsButNotLoweredAndListsFoundByExactName) {
     XmlSnippet xml("<list>"
                    "<Config id='3' LastQdId='2' LastConditionId='0' bDefault='0' LastDeId='x'>"
                    "<Condition><condition id='4' strCFType='a' bEqual='true'/></Condition>"
@@ -67,6 +67,8 @@ TEST(ConfigNode, CountersAreMendedByIdsButNotLowered) {
                    "<Config id='4' LastQdId='9' bDefault='7'><Qd><qd id='1'/><qd id='5'/></Qd>"
                    "</Config>"
                    "<config id='1'/>"
+                   "<Config id='2'><condition><c id='1'/></condition>"
+                   "<Qd><Qd id='3'/></Qd><de><x id='1'/></de></Config>"
                    "</list>");
     XmlNode first = xml.Root().first_child();
     ConfigNode mended;
@@ -86,19 +88,16 @@ TEST(ConfigNode, CountersAreMendedByIdsButNotLowered) {
     // A configuration with no list elements at all (a freshly created file) reads empty.
     ConfigNode bare;
     bare.ReadData(first.next_sibling().next_sibling());
-    EXPECT_EQ(bare.GetId(), 1);
     EXPECT_TRUE(bare.GetCondition().empty());
     EXPECT_TRUE(bare.GetQd().empty());
     EXPECT_TRUE(bare.GetDe().empty());
-}
 
-TEST(ConfigNode, ListElementsAreFoundOnlyByExactCapitalisedName) {
-    XmlSnippet xml("<Config id='2'><condition><c id='1'/></condition>"
-                   "<Qd><Qd id='3'/></Qd><de><x id='1'/></de></Config>");
+    // List elements are found only by their exact capitalised name; members load whatever
+    // their tag.
     ConfigNode config;
-    config.ReadData(xml.Root());
+    config.ReadData(xml.Root().last_child());
     EXPECT_TRUE(config.GetCondition().empty());
-    ASSERT_EQ(config.GetQd().size(), 1u) << "members load whatever their tag";
+    ASSERT_EQ(config.GetQd().size(), 1u);
     EXPECT_EQ(config.GetQd()[0]->GetId(), 3);
     EXPECT_TRUE(config.GetDe().empty());
 }
@@ -128,7 +127,7 @@ TEST(ConfigNode, WhatIsWrittenReadsBack) {
         EXPECT_NE(text.find(part), std::string::npos) << part;
 }
 
-TEST(ConfigNode, EditsByIdAndTheirResults) {
+TEST(ConfigNode, EditsByIdTheirResultsAndConditionsTakenOut) {
     ConfigNode config;
     ConditionNode a(L"材质", true, L"＝", L"", L"", L"铜", L"", L"");
     ConditionNode b(L"管径", false, L"", L"＞", L"", L"", L"50", L"");
@@ -160,30 +159,22 @@ TEST(ConfigNode, EditsByIdAndTheirResults) {
     EXPECT_TRUE(config.GetExistQdIndex(numbers));
     EXPECT_EQ(numbers, (std::vector<CString>{L"kept", L"too", L"1", L"3"}));
 
-    // The default shows "其它" whatever its conditions.
-    config.SetDefault(true);
-    EXPECT_EQ(config.GetConditionString(), L"其它");
-}
-
-TEST(ConfigNode, ConditionsTakenOutBelongToTheCaller) {
-    ConfigNode config;
-    config.AddCondition(ConditionNode(L"材质", true, L"＝", L"", L"", L"铜", L"", L""));
-    config.AddCondition(ConditionNode(L"管径", false, L"", L"＞", L"", L"", L"50", L""));
+    // Conditions taken out belong to the caller: one goes back as it stands (id, no parent),
+    // the other the caller deletes itself; the configuration then frees only what it holds.
     config.AddCondition(ConditionNode(L"系统", true, L"≠", L"", L"", L"排水", L"", L""));
     std::vector<ConditionNode*> taken = config.GetCondition();
     config.DeleteAllCondition();
-    EXPECT_TRUE(config.GetCondition().empty());
     EXPECT_EQ(config.GetConditionString(), L"");
-    // One goes back as it stands (id, no parent), the others the caller deletes itself; the
-    // configuration then frees only what it holds.
-    config.AddCondition(taken[1]);
-    std::unique_ptr<ConditionNode>(taken[0]).reset();
-    std::unique_ptr<ConditionNode>(taken[2]).reset();
-    ASSERT_EQ(config.GetCondition().size(), 1u);
-    EXPECT_EQ(config.GetCondition()[0], taken[1]);
-    EXPECT_EQ(config.GetCondition()[0]->GetId(), 2);
+    config.AddCondition(taken[0]);
+    std::unique_ptr<ConditionNode>(taken[1]).reset();
+    EXPECT_EQ(config.GetCondition(), std::vector<ConditionNode*>{taken[0]});
+    EXPECT_EQ(taken[0]->GetId(), 2);
     EXPECT_EQ(config.GetConditionString(), L"管径＞50;");
     EXPECT_EQ(config.GetLastConditionId(), 3);
+
+    // The default shows "其它" whatever its conditions.
+    config.SetDefault(true);
+    EXPECT_EQ(config.GetConditionString(), L"其它");
 }
 
 TEST(ConfigNode, CloneCopiesEverythingButConditionIds) {
