@@ -24,11 +24,9 @@ TEST(SMemberRead, MissingOrEmptyListGivesOneDefaultConfiguration) {
         SMember small;
         ASSERT_TRUE(small.ReadData(node));
         ASSERT_EQ(Ids(small), std::vector<int>{1});
-        ConfigNode* config = small.GetConfig(1);
-        EXPECT_TRUE(config->IfDefault());
-        EXPECT_EQ(config->GetParent(), &small);
+        EXPECT_TRUE(small.GetConfig(1)->IfDefault());
+        EXPECT_EQ(small.GetConfig(1)->GetParent(), &small);
         EXPECT_EQ(small.GetLastConfigId(), 1);
-        EXPECT_EQ(config->GetConditionString(), L"其它");
     }
 }
 
