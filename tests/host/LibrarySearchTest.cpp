@@ -43,8 +43,10 @@ INSERT INTO bill_quota (bill, quota, position) VALUES
   ('031003001', '8-13', 1), ('031003001', '8-12', 0), ('031001001', '8-1', 0);
 )";
 
-struct TestLibraries {
-    TestLibraries() {
+// Each test gets both libraries built from the statements above, open.
+class LibrarySearch : public ::testing::Test {
+protected:
+    LibrarySearch() {
         EXPECT_TRUE(bills.Open(files, L"{B}"));
         EXPECT_TRUE(quotas.Open(files, L"{Q}"));
     }
@@ -65,9 +67,7 @@ using Strings = std::vector<CString>;
 
 } // namespace
 
-TEST(LibrarySearch, ChaptersComeInTreeOrderAndPositionsFindThem) {
-    TestLibraries libraries;
-    ItemLibrary& bills = libraries.bills;
+TEST_F(LibrarySearch, ChaptersComeInTreeOrderAndPositionsFindThem) {
     EXPECT_TRUE(bills.HoldsBills());
     EXPECT_EQ(bills.Name(), L"清单");
     Strings positions;
@@ -86,19 +86,16 @@ TEST(LibrarySearch, ChaptersComeInTreeOrderAndPositionsFindThem) {
     EXPECT_EQ(bills.FindChapter(4)->parent, 3);
 
     // Codes with dots: "8.1.9" is the root 8.1 and its chapter 9, though 8 has a chapter 8.1.
-    ItemLibrary& quotas = libraries.quotas;
     EXPECT_FALSE(quotas.HoldsBills());
     EXPECT_EQ(quotas.ChapterAt(L"8.8.1"), 2);
     EXPECT_EQ(quotas.ChapterAt(L"8.1.9"), 5);
     EXPECT_EQ(quotas.ChapterAt(L"8.1"), 4);
     EXPECT_EQ(quotas.FindChapter(2)->position, L"8.8.1");
 
-    EXPECT_FALSE(ItemLibrary().Open(libraries.files, L"{NONE}"));
+    EXPECT_FALSE(ItemLibrary().Open(files, L"{NONE}"));
 }
 
-TEST(LibrarySearch, ItemsOfAChapterAndByNumberCarryTheirFields) {
-    TestLibraries libraries;
-    ItemLibrary &bills = libraries.bills, &quotas = libraries.quotas;
+TEST_F(LibrarySearch, ItemsOfAChapterAndByNumberCarryTheirFields) {
     EXPECT_EQ(Numbers(bills.ItemsOf(4)), (Strings{L"031003001", L"031003003"}));
     EXPECT_TRUE(bills.ItemsOf(3).empty()) << "a chapter lists its own items only";
     const std::vector<LibraryItem> pipes = bills.ItemsOf(5);
@@ -121,9 +118,7 @@ TEST(LibrarySearch, ItemsOfAChapterAndByNumberCarryTheirFields) {
     EXPECT_FALSE(quotas.Find(L"8-", quota));
 }
 
-TEST(LibrarySearch, FindsByNumberPrefixAndByAnyPartOfTheName) {
-    TestLibraries libraries;
-    ItemLibrary &bills = libraries.bills, &quotas = libraries.quotas;
+TEST_F(LibrarySearch, FindsByNumberPrefixAndByAnyPartOfTheName) {
     // Numbers from their start, in the tree's order (0310 before 0304).
     EXPECT_EQ(Numbers(bills.Search(L"0310")),
               (Strings{L"031001001", L"031001006", L"031003001", L"031003003"}));
@@ -156,18 +151,16 @@ TEST(LibrarySearch, FindsByNumberPrefixAndByAnyPartOfTheName) {
     {
         SqliteDb db;
         CString error;
-        ASSERT_TRUE(db.Open(libraries.dir.File(L"bills.db"), false, error));
+        ASSERT_TRUE(db.Open(dir.File(L"bills.db"), false, error));
         ASSERT_TRUE(db.Exec("DROP TABLE bill_fts;", error)) << ToUtf8(error);
     }
     ItemLibrary older;
-    ASSERT_TRUE(older.Open(libraries.files, L"{B}"));
+    ASSERT_TRUE(older.Open(files, L"{B}"));
     EXPECT_EQ(Numbers(older.Search(L"法兰阀")), Strings{L"031003003"});
     EXPECT_EQ(Numbers(older.Search(L"阀门")), valves);
 }
 
-TEST(LibrarySearch, QuotasLinkedToABillByItsCode) {
-    TestLibraries libraries;
-    ItemLibrary &bills = libraries.bills, &quotas = libraries.quotas;
+TEST_F(LibrarySearch, QuotasLinkedToABillByItsCode) {
     EXPECT_EQ(Numbers(quotas.QuotasOfBill(L"031003001")), (Strings{L"8-12", L"8-13"}));
     EXPECT_EQ(Numbers(quotas.QuotasOfBill(L"031003001002")), (Strings{L"8-12", L"8-13"}))
         << "a project's number: code and sequence";
