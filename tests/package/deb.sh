@@ -51,8 +51,11 @@ widgets=$(find "$root/usr/lib" -name 'libKoQdDeConfig.so.0')
 [ -n "$core" ] && [ -n "$widgets" ] || fail "the libraries are missing"
 [ -f "$(dirname "$core")/cmake/KoQdDeConfig/KoQdDeConfigConfig.cmake" ] || fail "no CMake package"
 # The dialogs' library finds the core library beside it, wherever the two are unpacked.
-env -u LD_LIBRARY_PATH ldd "$widgets" | grep -qF "$core" || fail "$(ldd "$widgets")"
-if readelf -d "$core" | grep NEEDED | grep -qi qt; then fail "the core library needs Qt"; fi
+# Outputs are read whole before grep: under pipefail, grep -q leaving early kills the writer
+# with SIGPIPE and fails the pipeline at random.
+loads=$(env -u LD_LIBRARY_PATH ldd "$widgets")
+grep -qF "$core" <<<"$loads" || fail "$loads"
+if grep -qi 'NEEDED.*qt' <<<"$(readelf -d "$core")"; then fail "the core library needs Qt"; fi
 
 # A marker in the unpacked pack shows that the per-user copy is made from it.
 touch "$root/usr/share/koqdde/sample/from-the-package"
@@ -61,7 +64,7 @@ installed() {
 }
 [ "$(installed "$bin/koqdde" --version)" = "koqdde $(dpkg-deb -f "$deb" Version | cut -d- -f1)" ] ||
   fail "koqdde --version: $(installed "$bin/koqdde" --version 2>&1)"
-installed "$bin/koqdde-workbench" --version | grep -qx 'koqdde-workbench [0-9.]*' ||
+grep -qx 'koqdde-workbench [0-9.]*' <<<"$(installed "$bin/koqdde-workbench" --version)" ||
   fail "koqdde-workbench --version"
 tree=$(installed "$bin/koqdde" tree) || fail "koqdde tree: $tree"
 grep -q '给水管' <<<"$tree" || fail "koqdde tree: $tree"

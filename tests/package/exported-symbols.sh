@@ -26,7 +26,7 @@ check() {
 check "$1" 'RefreshAutoConfig' 'CQdDeConfigPresenter::Save()' 'HostDataScope::HostDataScope(' \
   'typeinfo for ComError' 'CXmlQdDeConfig::CXmlQdDeConfig(' 'XmlVisitor::addChild(' \
   'MessageBoxHandlerScope::MessageBoxHandlerScope('
-if readelf -d "$1" | grep NEEDED | grep -qi qt; then fail "the core library needs Qt"; fi
+if grep -qi 'NEEDED.*qt' <<<"$(readelf -d "$1")"; then fail "the core library needs Qt"; fi
 if [ $# -gt 1 ]; then
   check "$2" 'CAutoQdDeConfigFacade::StartQdDeConfig(' 'CAutoConfigDlg::CAutoConfigDlg(' \
     'CDlgAttConfig::CDlgAttConfig(' 'koqdde::ui::QtMessageBoxHandler::Show('

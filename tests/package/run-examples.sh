@@ -37,8 +37,10 @@ for program in "$core_host" "$presenter_demo"; do
 done
 
 # No Qt library, asked for directly or through the core library.
-if readelf -d "$core_host" | grep NEEDED | grep -qi qt; then fail "core-host links Qt"; fi
-readelf -d "$core_host" | grep NEEDED | grep -q 'libKoQdDeConfigCore\.so' ||
+needed=$(readelf -d "$core_host" | grep NEEDED)
+if grep -qi qt <<<"$needed"; then fail "core-host links Qt"; fi
+grep -q 'libKoQdDeConfigCore\.so' <<<"$needed" ||
   fail "core-host does not link the core library"
-if ldd "$core_host" | grep -qi 'libQt'; then fail "core-host loads Qt: $(ldd "$core_host")"; fi
+loads=$(ldd "$core_host")
+if grep -qi 'libQt' <<<"$loads"; then fail "core-host loads Qt: $loads"; fi
 echo "examples: all checks passed"

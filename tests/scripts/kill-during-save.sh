@@ -23,9 +23,9 @@ for ((round = 1; round <= rounds; round++)); do
     K tree >/dev/null 2>&1 || fail "round $round: the configuration no longer loads"
     [ "$(configs)" -eq $((count + 1)) ] || fail "round $round: $(configs) configurations, not $((count + 1))"
   fi
-  if ls -A "$work" | grep -q '\.tmp-'; then leftovers=$((leftovers + 1)); fi
+  if compgen -G "$work/.*.tmp-*" >/dev/null; then leftovers=$((leftovers + 1)); fi
 done
 K config add "$category" >/dev/null
-if ls -A "$work" | grep -q '\.tmp-'; then fail "temporary files left after a completed save"; fi
+if compgen -G "$work/.*.tmp-*" >/dev/null; then fail "temporary files left after a completed save"; fi
 grep -a -q '<电气 id="3" name="电气">' "$file" || fail "the other specialty was lost"
 echo "$rounds kills: $landed before the save finished, $leftovers left a temporary file; all clean"
