@@ -14,15 +14,16 @@ broken=$(sha256sum "$current" | cut -d' ' -f1)
 "$workbench" --data "$work/pack" >"$work/wb.out" 2>"$work/wb.err" &
 wb=$!
 trap 'kill "$wb" 2>/dev/null || true; rm -rf "$work"' EXIT
-backup=
+# The copy is made before the program says so: wait for its words, then look for the copy.
 for ((i = 0; i < 200; i++)); do
-  [ -z "$backup" ] || break
+  ! grep -q "a copy is kept as" "$work/wb.err" || break
   sleep 0.1
-  backup=$(ls "$current".*.bak 2>/dev/null | head -n 1 || true)
 done
+grep -q "a copy is kept as" "$work/wb.err" ||
+  fail "the program did not say where the copy is: $(cat "$work/wb.err")"
+backup=$(ls "$current".*.bak 2>/dev/null | head -n 1 || true)
 [ -n "$backup" ] || fail "no backup beside the file: $(cat "$work/wb.err")"
 [ "$(sha256sum "$backup" | cut -d' ' -f1)" = "$broken" ] || fail "the backup differs from the file"
-grep -q "a copy is kept as" "$work/wb.err" || fail "the program did not say where the copy is"
 
 status=0
 KC config add "$category" >/dev/null 2>"$work/edit.err" || status=$?
