@@ -154,7 +154,7 @@ TEST(UiDialog, InitBindsControlsAndOkEndsTheDialog) {
     EXPECT_EQ(dlg.list.GetCount(), 0); // calls on an unbound control do nothing
 }
 
-TEST(UiDialog, EscapeCancelAndTheCloseBoxReachOnCancel) {
+TEST(UiDialog, CancelAndTheCloseBoxReachOnCancel) {
     const std::function<void(CDialog&)> ways[] = {
         [](CDialog& d) { d.GetSafeHwnd()->close(); },
         [](CDialog& d) { ClickDlgItem(d, IDCANCEL); },
